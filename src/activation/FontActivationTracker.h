@@ -1,0 +1,75 @@
+// Which font was opened for which document, and by how many, so that a font is deactivated only
+// when the last document that uses it closes, and never if the plug-in did not turn it on.
+//
+// Threads: [main-thread]; the lock is held across the font manager calls of the close operations.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "foundation/GMutex.h"
+#include "propertylist/FontRecord.h"
+
+class TarnInterface;
+
+class FontActivationTracker {
+ public:
+  // `tarn` is lent and may be null: progress and messages are skipped then.
+  explicit FontActivationTracker(TarnInterface* tarn);
+  virtual ~FontActivationTracker();
+  FontActivationTracker(const FontActivationTracker&) = delete;
+  FontActivationTracker& operator=(const FontActivationTracker&) = delete;
+
+  // A new UUID.
+  static std::string GenerateUniqueIdentifier();
+
+  // Registers each matched font under the identifier and activates what is not active, in one
+  // batch. The two arrays may be null. 0, 1000 when the font manager has gone, or the batch's
+  // result.
+  int OpenFontsForIdentifier(const FontRecordArray& fonts, const std::string& sDocumentIdentifier,
+                             bool bShowProgress, const FontRecordArray& activatedFonts,
+                             const FontRecordArray& noncompliantFonts);
+  void RegisterFontWithDocument(const FontRecord& font, const std::string& psName,
+                                std::uint32_t nDatabaseID, bool bAlreadyActive,
+                                const std::string& sDocumentIdentifier, void* context);
+  static void RemoveActivatedFonts(const FontRecordArray& fonts, long inWorkgroupID,
+                                   bool removeOnlyManuallyActivated);
+  // Drops the document's references; deactivates what nobody else holds if asked to.
+  int CloseAllFontsForIdentifier(const std::string& sDocumentIdentifier,
+                                 bool bDeactivateClosedFonts, bool bShowProgress,
+                                 const FontRecordArray& fontsDeactivated);
+  // The quit path: reference counts are ignored.
+  int CloseAllFonts(bool bDeactivateClosedFonts, bool bShowProgress);
+  void EndFontChangeSession(bool bHideProgress);
+
+  std::size_t CountFontsRegisteredForIdentifier(const std::string& identifier);
+  std::size_t CountFontsOpenedForIdentifier(const std::string& identifier,
+                                            std::size_t& alreadyActiveCount);
+  void AddUnresolvedFont(const std::string& identifier, const std::string& name);
+  const std::vector<std::string>& GetUnresolvedFonts(const std::string& identifier);
+
+ private:
+  struct SFontRecord {
+    FontRecord fontInfo;
+    std::uint32_t nDatabaseID = 0;
+    bool wasAlreadyActive = false;  // decided at the first registration
+    std::string postscriptName;
+    std::string documentIdentifier;  // the first document that registered it
+    bool isOpen = false;
+    std::uint32_t refCount = 0;  // registrations not yet closed
+    void* activationContext = nullptr;
+  };
+  struct SDocumentRecord {
+    std::string documentIdentifier;
+    std::vector<std::uint32_t> fontIDs;  // one entry per registration
+  };
+  struct Batch;
+
+  GRecursiveMutex m_mutex;  // CountFontsOpenedForIdentifier takes it twice
+  std::map<std::uint32_t, SFontRecord> m_mFonts;
+  std::map<std::string, SDocumentRecord> m_mDocuments;
+  std::map<std::string, std::vector<std::string>> m_mUnresolvedFonts;
+  TarnInterface* m_pTarnInterface;
+};
