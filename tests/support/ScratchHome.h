@@ -1,0 +1,23 @@
+// A home of its own for one test: every XDG folder points into a new temporary folder, which goes with
+// the object. Nothing of the machine's user is read or written.
+#pragma once
+
+#include <string>
+
+class ScratchHome {
+ public:
+  ScratchHome();
+  ~ScratchHome();
+  ScratchHome(const ScratchHome&) = delete;
+  ScratchHome& operator=(const ScratchHome&) = delete;
+
+  const std::string& Path() const { return mPath; }
+  // A file below the home; folders on the way are made.
+  std::string WriteFile(const std::string& name, const std::string& contents) const;
+  std::string MakeFolder(const std::string& name) const;
+
+ private:
+  std::string mPath;
+};
+
+std::string ReadWholeFile(const std::string& path);
