@@ -89,7 +89,7 @@ void Console::Print(std::string_view line) {
   Write(mOutput, std::string(line) + "\n");
 }
 
-void Console::Print(const nlohmann::json& json) {
+void Console::PrintJson(const nlohmann::json& json) {
   Print(json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 

@@ -29,7 +29,7 @@ class Console {
 
   // Data: one line.
   void Print(std::string_view line);
-  void Print(const nlohmann::json& json);
+  void PrintJson(const nlohmann::json& json);
   // Words: "kestrane: <text>".
   void Say(std::string_view text);
   void Error(std::string_view text);
