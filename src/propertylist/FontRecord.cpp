@@ -1,7 +1,8 @@
 #include "propertylist/FontRecord.h"
 
-#include <cerrno>
 #include <cstdlib>
+
+#include "sdk/FontRecordKeys.h"
 
 std::string RecordString(const FontRecord& record, std::string_view key) {
   const std::string* text = record ? record->GetString(key) : nullptr;

@@ -40,11 +40,13 @@ TModuleErrorCode CodeOfError(int error, TModuleErrorCode codeOfMissing) {
   }
 }
 
-bool IsTrusted(const struct stat& status) {
+bool IsWritableByUsAlone(const struct stat& status) {
   const bool isOurs = status.st_uid == 0 || status.st_uid == geteuid();
-  if (!isOurs) return false;
-  if ((status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return true;
-  // In a sticky folder of root's nobody can exchange what another one put there.
+  return isOurs && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+// In a sticky folder of root's nobody can exchange what another one put there.
+bool IsSharedByRoot(const struct stat& status) {
   return S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0 && status.st_uid == 0;
 }
 
@@ -129,15 +131,16 @@ TModuleErrorCode GFileSystem::OSGetFileSize(const GFileSystemSpec& spec, unsigne
 bool GFileSystem::OSIsTrustedLocation(const GFileSystemSpec& spec) {
   const FreeText real(realpath(spec.GetPath().c_str(), nullptr), &std::free);
   if (!real) return false;
-  struct stat status {};
+  const std::vector<std::string> components = GStringUtils::OSTokenizeString(real.get(), "/");
   std::string path = "/";
-  if (lstat(path.c_str(), &status) != 0 || !IsTrusted(status)) return false;
-  for (const std::string& component : GStringUtils::OSTokenizeString(real.get(), "/")) {
+  for (std::size_t i = 0;; ++i) {
+    const bool isLast = i == components.size();
+    struct stat status {};
+    // A link here was put there after the path was resolved.
+    if (lstat(path.c_str(), &status) != 0 || S_ISLNK(status.st_mode)) return false;
+    if (!IsWritableByUsAlone(status) && (isLast || !IsSharedByRoot(status))) return false;
+    if (isLast) return true;
     if (path.size() > 1) path.append("/");
-    path.append(component);
-    if (lstat(path.c_str(), &status) != 0 || !IsTrusted(status)) return false;
-    // Exchanged for a link since it was resolved.
-    if (S_ISLNK(status.st_mode)) return false;
+    path.append(components[i]);
   }
-  return true;
 }
