@@ -9,6 +9,8 @@
 #include "facade/SkerryLoader.h"
 #include "foundation/PluginLog.h"
 #include "photoshop/ParkedObjects.h"
+#include "photoshop/PhotoshopInterface.h"
+#include "state/HostAppInterface.h"
 #include "state/KestraneGlobals.h"
 
 namespace {
@@ -73,4 +75,11 @@ void KestraneGlobals::CleanUpOnShutdown() {
     ParkedObjects<TarnInterface>().push_back(std::move(Shared().tarnInterface));
   }
   ReleaseIdentity();
+}
+
+void InstallHostAppInterface() {
+  auto& interfaces = ParkedObjects<PhotoshopInterface>();
+  if (!interfaces.empty()) return;
+  interfaces.push_back(std::make_unique<PhotoshopInterface>());
+  HostAppInterface::SetHostAppInterface(interfaces.back().get());
 }
