@@ -5,10 +5,10 @@
 
 #include "foundation/ErrorCodes.h"
 
-// Writes the record to GLogger under "Miscellaneous". `level` is 1 (error) or 4 (debug). Defined
-// with the logger. [any-thread]
+// Writes the record to GLogger. `level` is 1 (error) or 4 (debug). Defined with the logger.
+// [any-thread]
 void WriteErrorRecord(int level, const char* file, int line, const char* expression,
-                      TModuleErrorCode code);
+                      TModuleErrorCode code, const char* identifier = "Miscellaneous");
 
 // An expression returning a code: leaves with that code if it is not 0.
 #define G_CHECK_CALL(call)                                          \
@@ -31,12 +31,13 @@ void WriteErrorRecord(int level, const char* file, int line, const char* express
   } while (false)
 
 // A condition that marks failure: leaves with `code` if it is true.
-#define G_CHECK_CONDITION(condition, code)                         \
-  do {                                                             \
-    if (condition) {                                               \
-      WriteErrorRecord(1, __FILE__, __LINE__, #condition, (code)); \
-      return (code);                                               \
-    }                                                              \
+#define G_CHECK_CONDITION(condition, code)                             \
+  do {                                                                 \
+    if (condition) {                                                   \
+      const TModuleErrorCode gFixedCode = (code);                      \
+      WriteErrorRecord(1, __FILE__, __LINE__, #condition, gFixedCode); \
+      return gFixedCode;                                               \
+    }                                                                  \
   } while (false)
 
 // Leaves with CoreErrorCodes::kNullPointer if the pointer is null.

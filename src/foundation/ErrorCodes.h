@@ -16,17 +16,22 @@ namespace CoreErrorCodes {
 inline constexpr TModuleErrorCode kSuccess = 0;
 inline constexpr TModuleErrorCode kError = MakeErrorCode(0, 1);
 inline constexpr TModuleErrorCode kFatalError = MakeErrorCode(0, 2);
+inline constexpr TModuleErrorCode kUnstatic = MakeErrorCode(0, 3);
 inline constexpr TModuleErrorCode kInvalidParam = MakeErrorCode(0, 4);
 inline constexpr TModuleErrorCode kNullPointer = MakeErrorCode(0, 5);
 inline constexpr TModuleErrorCode kOutOfMemory = MakeErrorCode(0, 6);
 inline constexpr TModuleErrorCode kNotFound = MakeErrorCode(0, 7);
 inline constexpr TModuleErrorCode kNotImplemented = MakeErrorCode(0, 8);
 inline constexpr TModuleErrorCode kItemAlreadyExists = MakeErrorCode(0, 9);
+inline constexpr TModuleErrorCode kItemNotHandled = MakeErrorCode(0, 10);
 inline constexpr TModuleErrorCode kIndexOutOfRange = MakeErrorCode(0, 12);
 inline constexpr TModuleErrorCode kDatabaseError = MakeErrorCode(0, 13);
 inline constexpr TModuleErrorCode kVersionMismatch = MakeErrorCode(0, 14);
+inline constexpr TModuleErrorCode kNotANumber = MakeErrorCode(0, 15);
 inline constexpr TModuleErrorCode kNotSupported = MakeErrorCode(0, 16);
 inline constexpr TModuleErrorCode kNotInitialized = MakeErrorCode(0, 17);
+inline constexpr TModuleErrorCode kAlreadyInitialized = MakeErrorCode(0, 18);
+inline constexpr TModuleErrorCode kMissingParam = MakeErrorCode(0, 19);
 inline constexpr TModuleErrorCode kStopped = MakeErrorCode(0, 20);
 inline constexpr TModuleErrorCode kUnknownError = MakeErrorCode(0, 21);
 }  // namespace CoreErrorCodes

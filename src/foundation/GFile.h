@@ -61,6 +61,9 @@ class GFile {
                                                            bool& result);
 
  private:
+  static std::string OSGetModeString(int mode);
+  TModuleErrorCode OSSetFileSize(unsigned long long size);
+
   std::FILE* mpFile = nullptr;
   GFileSystemSpec mSpec;
 };

@@ -38,7 +38,10 @@ class GMutex : public GLockable {
   explicit GMutex(bool recursive);
 
  private:
+  // 0 does not wait, 0xFFFFFFFF waits without limit.
   TModuleErrorCode LockInternal(unsigned int milliseconds);
+  // The guard is held.
+  TModuleErrorCode WaitUntilFree(unsigned int milliseconds);
 
   pthread_mutex_t mGuard;  // held only for a moment in each operation
   pthread_cond_t mCondition;

@@ -26,7 +26,7 @@ class Object {
 
   void Retain() { mCount.fetch_add(1, std::memory_order_relaxed); }
   void Release() {
-    if (mCount.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+    if (mCount.fetch_sub(1, std::memory_order_acq_rel) == 1) Destroy();
   }
   // For tests and for "is anybody else holding this".
   std::uint32_t GetRetainCount() const { return mCount.load(std::memory_order_relaxed); }
@@ -35,7 +35,11 @@ class Object {
   virtual ~Object() = default;
 
  private:
+  // Deletes this and what only this holds, however deep that is nested.
+  void Destroy();
+
   std::atomic<std::uint32_t> mCount{1};
+  Object* mNextPending = nullptr;  // used while being destroyed
 };
 
 // Shares an Object; may be null.
@@ -161,6 +165,8 @@ class Dictionary final : public PLDictionary {
   using Entry = std::pair<std::string, Value>;
 
   static DictionaryRef Create() { return DictionaryRef::Adopt(new Dictionary); }
+  // Of entries whose keys are known to differ: no key is looked for.
+  static DictionaryRef CreateOfDistinct(std::vector<Entry> entries);
 
   std::size_t Count() const { return mEntries.size(); }
   // Null if absent. Lent until the dictionary changes.

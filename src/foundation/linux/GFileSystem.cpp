@@ -1,0 +1,146 @@
+#include "foundation/GFileSystem.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "foundation/ErrorChecks.h"
+#include "foundation/GStringUtils.h"
+
+namespace {
+
+// As the base directory rules ask for folders of a user.
+constexpr mode_t kFolderMode = 0700;
+
+using FreeText = std::unique_ptr<char, decltype(&std::free)>;
+
+bool GetStatus(const std::string& path, struct stat& status) {
+  return stat(path.c_str(), &status) == 0;
+}
+
+TModuleErrorCode CodeOfError(int error, TModuleErrorCode codeOfMissing) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return codeOfMissing;
+    case EEXIST:
+      return GFileSystem::kFileOrDirectoryAlreadyExists;
+    case ENOSPC:
+    case EDQUOT:
+      return GFileSystem::kDiskFull;
+    case EINVAL:
+    case ENAMETOOLONG:
+      return GFileSystem::kInvalidPath;
+    default:
+      return CoreErrorCodes::kError;
+  }
+}
+
+bool IsWritableByUsAlone(const struct stat& status) {
+  const bool isOurs = status.st_uid == 0 || status.st_uid == geteuid();
+  return isOurs && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+// In a sticky folder of root's nobody can exchange what another one put there.
+bool IsSharedByRoot(const struct stat& status) {
+  return S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0 && status.st_uid == 0;
+}
+
+TModuleErrorCode CreateOneDirectory(const std::string& path) {
+  if (mkdir(path.c_str(), kFolderMode) == 0) return 0;
+  const int error = errno;
+  struct stat status {};
+  if (error == EEXIST && GetStatus(path, status) && S_ISDIR(status.st_mode)) return 0;
+  const TModuleErrorCode code = CodeOfError(error, GFileSystem::kDirectoryNotFound);
+  WriteErrorRecord(1, __FILE__, __LINE__, "mkdir(path.c_str(), kFolderMode) != 0", code);
+  return code;
+}
+
+}  // namespace
+
+bool GFileSystem::OSDoesFileExist(const GFileSystemSpec& spec) {
+  struct stat status {};
+  return GetStatus(spec.GetPath(), status) && !S_ISDIR(status.st_mode);
+}
+
+bool GFileSystem::OSDoesDirectoryExist(const GFileSystemSpec& spec) {
+  struct stat status {};
+  return GetStatus(spec.GetPath(), status) && S_ISDIR(status.st_mode);
+}
+
+bool GFileSystem::OSIsExecutableFile(const GFileSystemSpec& spec) {
+  struct stat status {};
+  return GetStatus(spec.GetPath(), status) && S_ISREG(status.st_mode) &&
+         access(spec.GetPath().c_str(), X_OK) == 0;
+}
+
+bool GFileSystem::OSIsValidFullPath(const std::string& path) {
+  return path.starts_with('/') && path.find('\0') == std::string::npos;
+}
+
+std::string GFileSystem::OSExpandPath(const std::string& path) {
+  std::string whole = path;
+  if (path == "~" || path.starts_with("~/")) {
+    whole = OSGetUsersRootDirectory().GetPath() + path.substr(1);
+  }
+  if (!whole.starts_with('/')) return whole;
+  std::vector<std::string> kept;
+  for (std::string& component : GStringUtils::OSTokenizeString(whole, "/")) {
+    if (component == ".") continue;
+    if (component != "..") {
+      kept.push_back(std::move(component));
+    } else if (!kept.empty()) {
+      kept.pop_back();
+    }
+  }
+  std::string expanded;
+  for (const std::string& component : kept) expanded.append("/").append(component);
+  return expanded.empty() ? "/" : expanded;
+}
+
+TModuleErrorCode GFileSystem::OSCreateDirectory(const GFileSystemSpec& spec, bool recursive) {
+  G_CHECK_CONDITION(spec.IsEmpty(), kInvalidPath);
+  if (recursive) {
+    std::string path;
+    for (const std::string& component : spec.GetPathComponents()) {
+      path.append("/").append(component);
+      if (const TModuleErrorCode code = CreateOneDirectory(path)) return code;
+    }
+    return 0;
+  }
+  return CreateOneDirectory(spec.GetPath());
+}
+
+TModuleErrorCode GFileSystem::OSDeleteFile(const GFileSystemSpec& spec) {
+  G_CHECK_CONDITION(unlink(spec.GetPath().c_str()) != 0, CodeOfError(errno, kFileNotFound));
+  return 0;
+}
+
+TModuleErrorCode GFileSystem::OSGetFileSize(const GFileSystemSpec& spec, unsigned long long& size) {
+  struct stat status {};
+  G_CHECK_CONDITION(!GetStatus(spec.GetPath(), status), CodeOfError(errno, kFileNotFound));
+  G_CHECK_CONDITION(S_ISDIR(status.st_mode), kFileNotFound);
+  size = static_cast<unsigned long long>(status.st_size);
+  return 0;
+}
+
+bool GFileSystem::OSIsTrustedLocation(const GFileSystemSpec& spec) {
+  const FreeText real(realpath(spec.GetPath().c_str(), nullptr), &std::free);
+  if (!real) return false;
+  const std::vector<std::string> components = GStringUtils::OSTokenizeString(real.get(), "/");
+  std::string path = "/";
+  for (std::size_t i = 0;; ++i) {
+    const bool isLast = i == components.size();
+    struct stat status {};
+    // A link here was put there after the path was resolved.
+    if (lstat(path.c_str(), &status) != 0 || S_ISLNK(status.st_mode)) return false;
+    if (!IsWritableByUsAlone(status) && (isLast || !IsSharedByRoot(status))) return false;
+    if (isLast) return true;
+    if (path.size() > 1) path.append("/");
+    path.append(components[i]);
+  }
+}

@@ -1,0 +1,138 @@
+#include "propertylist/Value.h"
+
+#include <algorithm>
+
+namespace PropertyList {
+
+namespace {
+
+constexpr int kMaxEqualsDepth = 64;
+
+bool AreEqual(const Array& a, const Array& b, int depth) {
+  return std::equal(a.Values().begin(), a.Values().end(), b.Values().begin(), b.Values().end(),
+                    [depth](const Value& x, const Value& y) { return x.Equals(y, depth); });
+}
+
+// In any order of the keys.
+bool AreEqual(const Dictionary& a, const Dictionary& b, int depth) {
+  if (a.Count() != b.Count()) return false;
+  return std::all_of(a.Entries().begin(), a.Entries().end(),
+                     [&b, depth](const Dictionary::Entry& entry) {
+                       const Value* other = b.Find(entry.first);
+                       return other != nullptr && entry.second.Equals(*other, depth);
+                     });
+}
+
+}  // namespace
+
+// What an object holds is deleted after it and not within it, so that nesting needs no stack.
+void Object::Destroy() {
+  thread_local Object* sPending = nullptr;
+  thread_local bool sIsDestroying = false;
+  mNextPending = std::exchange(sPending, this);
+  if (sIsDestroying) return;
+  sIsDestroying = true;
+  while (sPending != nullptr) {
+    Object* const object = sPending;
+    sPending = object->mNextPending;
+    delete object;
+  }
+  sIsDestroying = false;
+}
+
+Value::Value(ArrayRef value) {
+  if (value) mValue = std::move(value);
+}
+
+Value::Value(DictionaryRef value) {
+  if (value) mValue = std::move(value);
+}
+
+PLKind Value::Kind() const {
+  constexpr PLKind kKinds[] = {kPLNull,       kPLBool, kPLInteger,   kPLReal,
+                               kPLStringKind, kPLData, kPLArrayKind, kPLDictionaryKind};
+  static_assert(std::size(kKinds) == std::variant_size_v<decltype(mValue)>);
+  return kKinds[mValue.index()];
+}
+
+Array* Value::AsArray() const {
+  const ArrayRef* array = std::get_if<ArrayRef>(&mValue);
+  return array == nullptr ? nullptr : array->Get();
+}
+
+Dictionary* Value::AsDictionary() const {
+  const DictionaryRef* dictionary = std::get_if<DictionaryRef>(&mValue);
+  return dictionary == nullptr ? nullptr : dictionary->Get();
+}
+
+bool Value::Equals(const Value& other, int depth) const {
+  if (depth >= kMaxEqualsDepth || mValue.index() != other.mValue.index()) return false;
+  if (const Array* array = AsArray()) return AreEqual(*array, *other.AsArray(), depth + 1);
+  if (const Dictionary* dictionary = AsDictionary()) {
+    return AreEqual(*dictionary, *other.AsDictionary(), depth + 1);
+  }
+  return mValue == other.mValue;
+}
+
+DictionaryRef Array::DictionaryAt(std::size_t index) const {
+  if (index >= mValues.size()) return nullptr;
+  return DictionaryRef::Share(mValues[index].AsDictionary());
+}
+
+ArrayRef Array::Copy() const {
+  ArrayRef copy = Create();
+  copy->mValues = mValues;
+  return copy;
+}
+
+DictionaryRef Dictionary::CreateOfDistinct(std::vector<Entry> entries) {
+  DictionaryRef dictionary = Create();
+  dictionary->mEntries = std::move(entries);
+  return dictionary;
+}
+
+const Value* Dictionary::Find(std::string_view key) const {
+  const auto found = std::find_if(mEntries.begin(), mEntries.end(),
+                                  [key](const Entry& entry) { return entry.first == key; });
+  return found == mEntries.end() ? nullptr : &found->second;
+}
+
+void Dictionary::Set(std::string_view key, Value value) {
+  for (Entry& entry : mEntries) {
+    if (entry.first != key) continue;
+    entry.second = std::move(value);
+    return;
+  }
+  mEntries.emplace_back(key, std::move(value));
+}
+
+bool Dictionary::Remove(std::string_view key) {
+  const auto found = std::find_if(mEntries.begin(), mEntries.end(),
+                                  [key](const Entry& entry) { return entry.first == key; });
+  if (found == mEntries.end()) return false;
+  mEntries.erase(found);
+  return true;
+}
+
+DictionaryRef Dictionary::Copy() const {
+  DictionaryRef copy = Create();
+  copy->mEntries = mEntries;
+  return copy;
+}
+
+const std::string* Dictionary::GetString(std::string_view key) const {
+  const Value* value = Find(key);
+  return value == nullptr ? nullptr : value->AsString();
+}
+
+ArrayRef Dictionary::GetArray(std::string_view key) const {
+  const Value* value = Find(key);
+  return value == nullptr ? nullptr : ArrayRef::Share(value->AsArray());
+}
+
+DictionaryRef Dictionary::GetDictionary(std::string_view key) const {
+  const Value* value = Find(key);
+  return value == nullptr ? nullptr : DictionaryRef::Share(value->AsDictionary());
+}
+
+}  // namespace PropertyList
