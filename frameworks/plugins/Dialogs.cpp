@@ -94,6 +94,7 @@ void ShowAbout(const Terminal& terminal) {
   WriteDetail(terminal, "AboutPlugin", details.Get(kTarnPluginVersion));
   WriteDetail(terminal, "AboutInterface", details.Get(kTarnPluginInterfaceVersion));
   WriteDetail(terminal, "AboutHost", details.Get(kTarnHostApp));
+  if (!details.IsOnline()) terminal.WriteLine(LocalizedText("AboutOffline"));
 }
 
 void ShowRestricted(const Terminal& terminal, const FontRecordArray& fonts) {

@@ -49,7 +49,7 @@ std::string Harmless(std::string_view text) {
     if (character != '\n' && g_unichar_iscntrl(character)) {
       result += '?';
     } else {
-      result.append(at, g_utf8_next_char(at));
+      result.append(at, static_cast<std::size_t>(g_utf8_next_char(at) - at));
     }
   }
   return result;
