@@ -102,7 +102,12 @@ bool AreEntitiesKnown(std::string_view text) {
   return true;
 }
 
-enum class Container { eArray, eDictionaryAtKey, eDictionaryAtValue };
+enum class Place { eInArray, eAtKey, eAtValue };
+
+struct Container {
+  Place place;
+  std::size_t keyCount = 0;
+};
 
 struct Tag {
   std::string_view name;
@@ -201,31 +206,33 @@ class Checker {
     mValueCount += 1;
     if (mValueCount > kMaxXmlValues) return false;
     if (mContainers.empty()) return !std::exchange(mHasRoot, true);
-    Container& container = mContainers.back();
-    if (container == Container::eDictionaryAtKey) return false;
-    if (container == Container::eDictionaryAtValue) container = Container::eDictionaryAtKey;
+    Place& place = mContainers.back().place;
+    if (place == Place::eAtKey) return false;
+    if (place == Place::eAtValue) place = Place::eAtKey;
     return true;
   }
 
   bool OpenContainer(const Tag& tag) {
     if (mContainers.size() >= static_cast<std::size_t>(kMaxXmlDepth)) return false;
     if (tag.isEmpty) return true;
-    mContainers.push_back(tag.name == "dict" ? Container::eDictionaryAtKey : Container::eArray);
+    mContainers.push_back({tag.name == "dict" ? Place::eAtKey : Place::eInArray});
     return true;
   }
 
   bool CloseContainer(std::string_view name) {
     if (mContainers.empty()) return false;
-    const Container expected = name == "dict" ? Container::eDictionaryAtKey : Container::eArray;
-    if ((name != "dict" && name != "array") || mContainers.back() != expected) return false;
+    const Place expected = name == "dict" ? Place::eAtKey : Place::eInArray;
+    if ((name != "dict" && name != "array") || mContainers.back().place != expected) return false;
     mContainers.pop_back();
     return true;
   }
 
   bool CheckKey(const Tag& tag) {
-    if (mContainers.empty() || mContainers.back() != Container::eDictionaryAtKey) return false;
-    mContainers.back() = Container::eDictionaryAtValue;
-    return CheckText(tag);
+    if (mContainers.empty() || mContainers.back().place != Place::eAtKey) return false;
+    Container& dictionary = mContainers.back();
+    dictionary.place = Place::eAtValue;
+    dictionary.keyCount += 1;
+    return dictionary.keyCount <= kMaxXmlKeys && CheckText(tag);
   }
 
   bool CheckLeaf(const Tag& tag) {

@@ -92,6 +92,7 @@ class TreeBuilder {
   }
 
   Node BuildDictionary(const Dictionary& dictionary, int depth) {
+    if (dictionary.Count() > kMaxXmlKeys) return nullptr;
     Node node(plist_new_dict());
     for (const auto& [key, value] : dictionary.Entries()) {
       if (!Accept(key)) return nullptr;

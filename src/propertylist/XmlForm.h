@@ -13,6 +13,8 @@ namespace PropertyList {
 inline constexpr int kMaxXmlDepth = 64;
 inline constexpr std::size_t kMaxXmlBytes = std::size_t{64} << 20;
 inline constexpr std::size_t kMaxXmlValues = std::size_t{1} << 20;
+// In one dictionary: the library's time grows with the square of it.
+inline constexpr std::size_t kMaxXmlKeys = std::size_t{1} << 16;
 
 // Empty if the value holds malformed UTF-8, control characters that XML has no form for or a null
 // value, which a property list has none for either, or is beyond the bounds.

@@ -225,6 +225,12 @@ TEST(XmlForm, NumberOfValuesIsBounded) {
   EXPECT_FALSE(WriteXml(value));
 }
 
+TEST(XmlForm, NumberOfKeysIsBounded) {
+  std::string xml = "<dict>";
+  for (int i = 0; i <= 1 << 16; ++i) xml += "<key>" + std::to_string(i) + "</key><true/>";
+  EXPECT_FALSE(ReadXml(xml + "</dict>"));
+}
+
 TEST(XmlForm, EntitiesAreBounded) {
   EXPECT_EQ(ReadString(Repeated(10'000, "&lt;")), std::string(10'000, '<'));
   EXPECT_EQ(ReadString(Repeated(1'000'000, "&lt;")), "(none)");
