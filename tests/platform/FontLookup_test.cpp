@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "platform/linux/FontconfigFontLookup.h"
 #include "platform/linux/StderrMessageBox.h"
@@ -38,6 +40,9 @@ TEST(FontLookup, TheNextQuestionSeesEveryChange) {
   EXPECT_FALSE(lookup.IsVisible("Lookup Test"));
   EXPECT_FALSE(lookup.IsVisible("LookupTest-Two"));
 
+  // Long after the last change the times alone must tell.
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_FALSE(lookup.IsVisible("LookupTest-Two"));
   fs::rename(second, shard + "/two.ttf");
   EXPECT_TRUE(lookup.IsVisible("LookupTest-Two"));
   fs::rename(third, home.MakeFolder(".local/share/fonts/vendrel/cd") + "/three.ttf");

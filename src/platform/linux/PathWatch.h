@@ -1,0 +1,46 @@
+// Tells whether files or folders changed since they were read. A question costs one system call
+// while nothing happens: the kernel's notifications tell of changes made on this machine. Paths
+// that don't exist yet are looked at each time; so is every path once a second, which catches what
+// another machine does on a shared disk, and at each question where notifications can't be had.
+//
+// Threads: one.
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+#include <set>
+#include <string>
+#include <vector>
+
+class PathWatch {
+ public:
+  PathWatch() = default;
+  ~PathWatch();
+  PathWatch(const PathWatch&) = delete;
+  PathWatch& operator=(const PathWatch&) = delete;
+
+  // The wall clock, for Start.
+  static timespec Now();
+  // Watches these paths and no others. The caller began to read them at `readingStarted`; a change
+  // from then on counts.
+  void Start(const std::set<std::string>& paths, const timespec& readingStarted);
+  // Stays true until the next Start.
+  bool HasChanged();
+
+ private:
+  struct Path {
+    std::string name;
+    timespec modified;  // zero if it is not there
+  };
+
+  void AddNotifications();
+  void CloseNotifications();
+  bool HasNotification() const;
+  static bool IsUnchanged(const std::vector<Path>& paths);
+
+  std::vector<Path> mExisting;
+  std::vector<Path> mMissing;
+  int mNotifications = -1;  // the kernel's descriptor; -1 where there is none
+  std::int64_t mLastFullLook = 0;
+  bool mChanged = true;
+};
