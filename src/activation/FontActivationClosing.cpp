@@ -68,32 +68,40 @@ int FontActivationTracker::CloseAllFontsForIdentifier(const std::string& sDocume
     OutputFormattedDebugString("No fonts registered for '%s'", sDocumentIdentifier.c_str());
     m_mDocuments.erase(document);
   } else {
-    const std::vector<std::uint32_t> fontIDs = document->second.fontIDs;
-    SetCountForLongOperations(fontIDs.size());
-    const auto progress =
-        ShowFontProgress(m_pTarnInterface, bShowProgress, fontIDs.size(),
-                         "FontDeactivationWindowTitle", "FontDeactivationHeaderForDoc");
     Closing closing{bDeactivateClosedFonts,
                     fontsDeactivated,
-                    {true, m_pTarnInterface, progress.get()},
+                    {true, m_pTarnInterface, nullptr},
                     bDeactivateClosedFonts};
-    try {
-      result = CloseDocument(closing, fontIDs);
-    } catch (...) {
-      EndActivationChange();
-      m_mDocuments.erase(sDocumentIdentifier);
-      SetCountForLongOperations(1);
-      OutputFormattedDebugString(
-          "FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally");
-      throw;
-    }
-    m_mDocuments.erase(sDocumentIdentifier);
+    result = CloseRegisteredFonts(closing, sDocumentIdentifier, bShowProgress);
     allClosed = closing.allClosed;
   }
   if (FontManagerInterface* fontManager = FontManagerInterface::GetFontManager()) {
     fontManager->FinishClosingFontsForDocument(sDocumentIdentifier, allClosed);
     fontManager->SetCountForLongOperations(1);
   }
+  return result;
+}
+
+int FontActivationTracker::CloseRegisteredFonts(Closing& closing, const std::string& identifier,
+                                                bool bShowProgress) {
+  const std::vector<std::uint32_t> fontIDs = m_mDocuments[identifier].fontIDs;
+  SetCountForLongOperations(fontIDs.size());
+  const auto progress =
+      ShowFontProgress(m_pTarnInterface, bShowProgress, fontIDs.size(),
+                       "FontDeactivationWindowTitle", "FontDeactivationHeaderForDoc");
+  closing.progress.progress = progress.get();
+  int result = 0;
+  try {
+    result = CloseDocument(closing, fontIDs);
+  } catch (...) {
+    EndActivationChange();
+    m_mDocuments.erase(identifier);
+    SetCountForLongOperations(1);
+    OutputFormattedDebugString(
+        "FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally");
+    throw;
+  }
+  m_mDocuments.erase(identifier);
   return result;
 }
 

@@ -233,7 +233,8 @@ void FontActivationTracker::AddCandidate(Batch& batch, const FontRecord& font,
     OutputFormattedDebugString("Skipping '%s' because it is already active.", name->c_str());
     batch.activeNames.insert(*name);
   } else {
-    if (font->Has(kFP_IsActiveKey) && FontManagerInterface::IsFontActive(familyName)) {
+    if (font->Has(kFP_IsActiveKey) && !familyName.empty() &&
+        FontManagerInterface::IsFontActive(familyName)) {
       OutputFormattedDebugString(
           "The OS thinks the '%s' font family is active, but Nodrix says '%s' is not. Treating it "
           "as a system font",

@@ -80,6 +80,7 @@ class FontActivationTracker {
   FontRecordArray CandidatesFor(const Batch& batch, const FontRecord& matched) const;
 
   // The closing. All want the lock.
+  int CloseRegisteredFonts(Closing& closing, const std::string& identifier, bool bShowProgress);
   int CloseDocument(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
   int CloseFontsInOneBatch(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
   int CloseFontsOneByOne(Closing& closing, const std::vector<std::uint32_t>& fontIDs);

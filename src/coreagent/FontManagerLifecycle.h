@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string_view>
 
-// By which the dialog framework knows the edition that it speaks for.
-inline constexpr const char* kKestraneDuoraPlugin = "KestraneDuoraPlugin";  // standalone
-inline constexpr const char* kOmnarelPlugin = "OmnarelPlugin";              // server
+// The names of the editions, as the dialog framework shows them in its texts.
+inline constexpr const char* kKestraneDuoraPlugin = "Kestrane Duora";  // standalone
+inline constexpr const char* kOmnarelPlugin = "Omnarel";               // server
 
 // CompatibleFontManagerIsRunning: everything is there, but nobody is logged in.
 inline constexpr std::uint32_t kFontManagerNotLoggedIn = 3;
