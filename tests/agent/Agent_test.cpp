@@ -1,5 +1,6 @@
 // The whole agent as a process of its own, with its clients; what other programs see is asked with
 // fc-match.
+#include <gio/gunixsocketaddress.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -9,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "agent/library/AgentInterface.h"
+#include "agent/library/GLibOwners.h"
 #include "agent/library/Paths.h"
 #include "support/AgentHome.h"
 #include "support/TestFonts.h"
@@ -376,6 +379,40 @@ TEST_F(AgentTest, KeepsTheFoldersOfTheLibrary) {
   EXPECT_EQ(mHome.Reader()->CountAll().faces, 0u);
   EXPECT_TRUE(ActivatedFiles().empty());
   EXPECT_EQ(mClient->RemoveFolder(mHome.LibraryPath(""), message), CallResult::eRefused);
+}
+
+TEST_F(AgentTest, AnswersMalformedMessagesWithErrors) {
+  Start({});
+  std::string error;
+  ErrorOwner failure;
+  const GObjectOwner<GDBusConnection> raw(g_dbus_connection_new_for_address_sync(
+      SocketAddress(error).c_str(), G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT, nullptr, nullptr,
+      failure.Out()));
+  ASSERT_TRUE(raw) << failure.Text();
+  const auto call = [&](const char* method, GVariant* arguments) {
+    ErrorOwner refusal;
+    const VariantOwner reply(g_dbus_connection_call_sync(
+        raw.get(), nullptr, kAgentObjectPath, kAgentInterfaceName, method, arguments, nullptr,
+        G_DBUS_CALL_FLAGS_NONE, 10'000, nullptr, refusal.Out()));
+    return refusal ? refusal.Get()->code : -1;
+  };
+  EXPECT_EQ(call("Status", nullptr), G_DBUS_ERROR_ACCESS_DENIED);
+  EXPECT_EQ(call("Hello", g_variant_new("(i)", 5)), G_DBUS_ERROR_INVALID_ARGS);
+  EXPECT_EQ(call("Hello", g_variant_new("(s)", "raw")), -1);
+  EXPECT_EQ(call("Activate", g_variant_new_parsed("([@u 1], @u 9)")), G_DBUS_ERROR_INVALID_ARGS);
+  EXPECT_EQ(call("Nonsense", nullptr), G_DBUS_ERROR_UNKNOWN_METHOD);
+  EXPECT_EQ(call("AddFolder", g_variant_new("(^ayu)", "", 1)), G_DBUS_ERROR_FAILED);
+  // Neither this nor noise from something that speaks no D-Bus disturbs others.
+  const GObjectOwner<GSocketClient> noise(g_socket_client_new());
+  const GObjectOwner<GSocketAddress> address(g_unix_socket_address_new(SocketPath(error).c_str()));
+  const GObjectOwner<GSocketConnection> stream(
+      g_socket_client_connect(noise.get(), G_SOCKET_CONNECTABLE(address.get()), nullptr, nullptr));
+  ASSERT_TRUE(stream);
+  const std::string rubbish(5000, '\xA5');
+  g_output_stream_write_all(g_io_stream_get_output_stream(G_IO_STREAM(stream.get())),
+                            rubbish.data(), rubbish.size(), nullptr, nullptr, nullptr);
+  std::vector<ActiveFont> status;
+  EXPECT_EQ(mClient->Status(status), CallResult::eOk);
 }
 
 }  // namespace
