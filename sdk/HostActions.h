@@ -41,6 +41,7 @@ typedef uint32_t DescriptorEventID;
 #define kTypeGlobalObject SP_CODE('G', 'l', 'b', 'O')
 #define kTypeValueList SP_CODE('V', 'l', 'L', 's')
 #define kTypeEnumerated SP_CODE('e', 'n', 'u', 'm')
+#define kTypeObjectReference SP_CODE('o', 'b', 'j', ' ')
 
 /* A key or index that is not there, or a value of another type. */
 #define kPSItemMissingError ((SPErr)SP_CODE('~', 'f', 'n', 'd'))
@@ -85,6 +86,9 @@ typedef struct PSActionDescriptorProcs {
                            DescriptorClassID type, PIActionDescriptor value);
   SPErr (*GetList)(PIActionDescriptor descriptor, DescriptorKeyID key, PIActionList* out);
   SPErr (*PutList)(PIActionDescriptor descriptor, DescriptorKeyID key, PIActionList value);
+  SPErr (*GetReference)(PIActionDescriptor descriptor, DescriptorKeyID key, PIActionReference* out);
+  SPErr (*PutReference)(PIActionDescriptor descriptor, DescriptorKeyID key,
+                        PIActionReference value);
 } PSActionDescriptorProcs;
 
 #define kPSActionListSuite "df135116-c769-11d0-8079-00c04fd7ec47"
@@ -174,8 +178,9 @@ typedef struct PSAliasProcs {
 #define eventOpen SP_CODE('O', 'p', 'n', ' ')     /* "null": alias; "DocI" */
 #define eventMake SP_CODE('M', 'k', ' ', ' ')     /* "Nw  ": object of class "Dcmn" */
 #define eventClose SP_CODE('C', 'l', 's', ' ')
-#define eventSave SP_CODE('s', 'a', 'v', 'e') /* twice a save: before and after, both with "DocI" \
-                                               */
+#define eventSave                                                                 \
+  SP_CODE('s', 'a', 'v', 'e') /* twice a save: before and after, both with "DocI" \
+                               */
 #define eventSelect SP_CODE('s', 'l', 'c', 't')
 
 #ifdef __cplusplus

@@ -32,8 +32,9 @@ struct ActivationOutcome {
 };
 
 struct ScanOutcome {
-  std::uint64_t files = 0, faces = 0, added = 0, removed = 0;
-  std::uint64_t broken = 0;  // files recorded with an error
+  std::uint64_t files = 0, faces = 0;    // there are now, broken files included
+  std::uint64_t added = 0, removed = 0;  // files that are new, and that have gone
+  std::uint64_t broken = 0;              // files recorded with an error
 };
 
 // One font that is on for one client.

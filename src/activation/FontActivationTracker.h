@@ -66,6 +66,27 @@ class FontActivationTracker {
     std::vector<std::uint32_t> fontIDs;  // one entry per registration
   };
   struct Batch;
+  struct Closing;
+
+  // The opening, from the families of the matched fonts to the books.
+  int ActivateInOneBatch(Batch& batch, const FontRecordArray& activatedFonts,
+                         const FontRecordArray& noncompliantFonts);
+  void PrepareBatch(Batch& batch);
+  void AddMatchedFont(Batch& batch, const FontRecord& element, int index);
+  void AddCandidate(Batch& batch, const FontRecord& font, const FontRecord& element,
+                    const std::string& familyName, int index);
+  void RegisterCandidate(const Batch& batch, const FontRecord& font, bool alreadyActive,
+                         const FontRecord& element, int index);
+  FontRecordArray CandidatesFor(const Batch& batch, const FontRecord& matched) const;
+
+  // The closing. All want the lock.
+  int CloseDocument(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
+  int CloseFontsInOneBatch(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
+  int CloseFontsOneByOne(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
+  int CloseEverythingInOneBatch(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
+  int CloseEverythingOneByOne(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
+  // Takes one reference; true if it was the last.
+  static bool DropReference(SFontRecord& font, bool& allClosed);
 
   GRecursiveMutex m_mutex;  // CountFontsOpenedForIdentifier takes it twice
   std::map<std::uint32_t, SFontRecord> m_mFonts;

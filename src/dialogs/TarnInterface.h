@@ -80,6 +80,9 @@ class TarnInterface {
   void HideProgress();
   void SetIsOnline(bool isOnline);
   void SetFontManagerBundleName(const char* name);
+  // Parts of the interface that have nothing to do on any host of this build.
+  void UpdatePluginDetails(const TarnDictionary&) {}
+  void SetOsSpecificUiData(void*) {}
   // The one dialog that works without the framework.
   void ShowTarnNotFoundMessageBox();
 
@@ -125,6 +128,7 @@ class TarnInterface {
   void InitializeFramework(const std::optional<std::string>& bundleIdentifier);
   void DestroyFramework();
 
+  std::optional<std::string> mPluginBundleIdentifier;
   int mStatus = eNotSearched;
   bool mInitialized = false;
   TarnDictionary mHostDetails;

@@ -12,10 +12,12 @@
 
 #include "propertylist/FontRecord.h"
 
-// A name longer than this, in bytes of the file, is no name and is left out; a scan ends with what
-// it has after this many names.
+// A name longer than this, in bytes of the file, is no name and is left out. A scan ends with what
+// it has after this many names, and before a name that makes all of them longer than this: names
+// may overlap, so that a small file could hold gigabytes of them.
 inline constexpr std::size_t kMaxScannedNameBytes = std::size_t{64} << 10;
 inline constexpr std::size_t kMaxScannedNames = 100'000;
+inline constexpr std::size_t kMaxScannedNamesBytes = std::size_t{4} << 20;
 
 namespace CommonFunctionality {
 

@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "facade/AgentLauncher.h"
+
 #define PLUGIN_INTERFACE_NO_PROTOTYPES
 #include "sdk/PluginInterface.h"
 
@@ -23,7 +25,8 @@ class SkerryLoader {
   // folder, version and count of missing entry points.
   bool IsLoaded(std::string* outLocation, std::string* outVersion, std::uint32_t* outMissing) const;
   std::string VersionStringRef() const;
-  // Binds every entry point in `bundle`; null unbinds them all.
+  // Binds every entry point in `bundle` and lets the plug-in log write through it; null unbinds
+  // them all.
   void ResetFunctionPointers(const std::shared_ptr<Bundle>& bundle);
   // A diagnostic: does every pointer agree with `expected`?
   bool VerifyThatAllMembersAre(bool expected) const;
@@ -33,17 +36,17 @@ class SkerryLoader {
   PLUGIN_INTERFACE_ENTRY_POINTS(SKERRY_MEMBER)
 #undef SKERRY_MEMBER
 
-  std::string location;       // folder from which the library was reached
+  std::string location;       // folder from which the library was reached, with a trailing "/"
   std::string versionString;  // its CFBundleShortVersionString
   std::uint32_t missingCount;
 
  private:
   SkerryLoader();
+  void Load();
+  // Own bundle, beside the agent, system-wide; sets `location`. Null if it is nowhere.
   std::shared_ptr<Bundle> FindLibrary();
+  std::shared_ptr<Bundle> OpenBesideAgent();
+  void BindLog();
 
   static SkerryLoader* sSharedInstance;
 };
-
-// Starts the agent named by the launch information file, detached and with its one argument; gives
-// its folder with a trailing "/". 0, or -1 if nothing could be started.
-int FindAndLaunchNodrix(std::string* outFolder);

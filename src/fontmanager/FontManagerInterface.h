@@ -3,9 +3,11 @@
 // the inert defaults here, selection and queries in `manager`, birth and end in `coreagent`.
 //
 // Results are 0, -1 (general failure), -50 (bad argument) or 1000 (the font manager has gone, which
-// stops every loop over fonts at once). Threads: [main-thread].
+// stops every loop over fonts at once). Threads: [main-thread], but for GetFontManager: the
+// facade's callback asks for it on a thread of its own.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -14,6 +16,7 @@
 
 #include "foundation/GMutex.h"
 #include "propertylist/FontRecord.h"
+#include "propertylist/StringConversion.h"
 
 enum TypeOfFontName : int { kPostScriptFontName = 0, kFamilyFontName = 1 };
 
@@ -132,8 +135,11 @@ class FontManagerInterface {
   virtual void DoOnlineOffline() {}
   virtual void SetCountForLongOperations(int) {}
 
-  // The live instance, or null. Owned by this class.
-  static FontManagerInterface* GetFontManager() { return sm_pFontManager; }
+  // The live instance, or null. Owned by this class. [any-thread]: who uses it on another thread
+  // has to be unregistered before the instance goes.
+  static FontManagerInterface* GetFontManager() {
+    return sm_pFontManager.load(std::memory_order_acquire);
+  }
   // Puts an instance in place and gives the old one back; the caller owns what comes back.
   static FontManagerInterface* ExchangeFontManager(FontManagerInterface* fontManager);
 
@@ -145,8 +151,11 @@ class FontManagerInterface {
   // Closes all fonts, disconnects and destroys the font manager. `coreagent` defines it.
   static void OnHostAppShuttingDown(bool showProgress);
   static bool CheckSelectWorkgroup();
-  // Is a font of this exact PostScript name visible to this process? Names go through MacRoman.
+  // Is a font of this exact PostScript name visible to this process? The name is first turned into
+  // a MacRoman platform string and read back; a name that has no such form (a character outside
+  // MacRoman, or more than 255 bytes) is looked up as it is.
   static bool IsFontActive(const std::string& name);
+  static bool IsFontActive(const PlatformString& name);
   static std::string GetStringFromDictionary(const PropertyList::DictionaryRef& dictionary,
                                              const std::string& key);
 
@@ -166,10 +175,21 @@ class FontManagerInterface {
   static void SetValidWorkgroupSelected(bool valid) { sValidWorkgroupSelected = valid ? 1 : 0; }
   static bool GetValidWorkgroupSelected() { return sValidWorkgroupSelected != 0; }
 
+ private:
+  void ChooseWorkgroup(const PropertyList::ArrayRef& workgroups);
+  void GiveUpWorkgroups(bool wasValid);
+  int ClimbNameLadder(const std::string& name, TypeOfFontName nameType, bool* outExcludedRemote,
+                      long workgroupID, FontRecordArray& ioCandidates);
+  int AskShortenedNames(const std::string& name, bool* outExcludedRemote, long workgroupID,
+                        FontRecordArray& ioCandidates);
+  FontRecord ReadCandidate(const std::string& name, const FontOrSetInfoRec& rec,
+                           std::vector<char>& buffer, int& outError);
+
  protected:
+  // Guards creation and destruction of the instance.
   static GMutex& FontManagerMutex();
 
-  static FontManagerInterface* sm_pFontManager;
+  static std::atomic<FontManagerInterface*> sm_pFontManager;
   static std::int16_t sValidWorkgroupSelected;
   static std::int16_t sSelectWorkgroupInProgress;
 };

@@ -24,6 +24,16 @@ ScratchHome::ScratchHome() {
   set("XDG_STATE_HOME", ".local/state", fs::perms::owner_all);
   set("XDG_CACHE_HOME", ".cache", fs::perms::owner_all);
   set("XDG_RUNTIME_DIR", "run", fs::perms::owner_all);
+  MakeFolder("system-fonts");
+  const std::string config =
+      WriteFile("fonts.conf",
+                "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\">"
+                "<fontconfig><dir>" +
+                    SystemFonts() +
+                    "</dir><dir prefix=\"xdg\">fonts</dir>"
+                    "<cachedir prefix=\"xdg\">fontconfig</cachedir>"
+                    "</fontconfig>");
+  setenv("FONTCONFIG_FILE", config.c_str(), 1);
 }
 
 ScratchHome::~ScratchHome() {

@@ -1,0 +1,238 @@
+#include "activation/ConnectedFontManager.h"
+#include "activation/FontActivationTracker.h"
+#include "activation/FontChangeProgress.h"
+#include "foundation/GScopedLock.h"
+#include "foundation/PluginLog.h"
+
+namespace {
+
+using ActivationStates = std::map<std::uint32_t, bool>;
+
+// Does the font manager still count the font as turned on by the plug-in? A font that it says
+// nothing about is.
+bool IsStillOurs(const ActivationStates& states, std::uint32_t databaseID) {
+  const auto state = states.find(databaseID);
+  return state == states.end() || state->second;
+}
+
+void EndActivationChange() {
+  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
+  if (fontManager != nullptr) static_cast<void>(fontManager->EndActivationChange());
+}
+
+void SetCountForLongOperations(std::size_t count) {
+  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
+  if (fontManager != nullptr) fontManager->SetCountForLongOperations(static_cast<int>(count));
+}
+
+// A failure is told in the log and in the result.
+int DeactivateOne(const FontRecord& font, void* context) {
+  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
+  const int result = fontManager != nullptr ? fontManager->DeactivateFont(font, context)
+                                            : kErrorKestraneNotRunning;
+  if (result != 0) OutputFormattedDebugString("XTDeactivateFont returned %d", result);
+  return result;
+}
+
+}  // namespace
+
+// One closing, of a document or of everything.
+struct FontActivationTracker::Closing {
+  bool deactivate;
+  FontRecordArray fontsDeactivated;  // may be null
+  ProgressCallbackContext progress;
+  bool allClosed = false;
+  ActivationStates states{};
+
+  int DeactivateBatch(const FontRecordArray& batch) {
+    FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
+    if (fontManager == nullptr) return kErrorKestraneNotRunning;
+    return fontManager->DeactivateFonts(batch, nullptr, fontsDeactivated, ProgressCallback,
+                                        &progress);
+  }
+};
+
+int FontActivationTracker::CloseAllFontsForIdentifier(const std::string& sDocumentIdentifier,
+                                                      bool bDeactivateClosedFonts,
+                                                      bool bShowProgress,
+                                                      const FontRecordArray& fontsDeactivated) {
+  if (ConnectedFontManager() == nullptr) return kErrorKestraneNotRunning;
+  GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
+  bool allClosed = bDeactivateClosedFonts;
+  int result = 0;
+  const auto document = m_mDocuments.find(sDocumentIdentifier);
+  if (document == m_mDocuments.end()) {
+    OutputFormattedDebugString("No entry in FontActivationTracker::m_mDocuments for '%s'",
+                               sDocumentIdentifier.c_str());
+  } else if (document->second.fontIDs.empty()) {
+    OutputFormattedDebugString("No fonts registered for '%s'", sDocumentIdentifier.c_str());
+    m_mDocuments.erase(document);
+  } else {
+    const std::vector<std::uint32_t> fontIDs = document->second.fontIDs;
+    SetCountForLongOperations(fontIDs.size());
+    const auto progress =
+        ShowFontProgress(m_pTarnInterface, bShowProgress, fontIDs.size(),
+                         "FontDeactivationWindowTitle", "FontDeactivationHeaderForDoc");
+    Closing closing{bDeactivateClosedFonts,
+                    fontsDeactivated,
+                    {true, m_pTarnInterface, progress.get()},
+                    bDeactivateClosedFonts};
+    try {
+      result = CloseDocument(closing, fontIDs);
+    } catch (...) {
+      EndActivationChange();
+      m_mDocuments.erase(sDocumentIdentifier);
+      SetCountForLongOperations(1);
+      OutputFormattedDebugString(
+          "FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally");
+      throw;
+    }
+    m_mDocuments.erase(sDocumentIdentifier);
+    allClosed = closing.allClosed;
+  }
+  if (FontManagerInterface* fontManager = FontManagerInterface::GetFontManager()) {
+    fontManager->FinishClosingFontsForDocument(sDocumentIdentifier, allClosed);
+    fontManager->SetCountForLongOperations(1);
+  }
+  return result;
+}
+
+int FontActivationTracker::CloseDocument(Closing& closing,
+                                         const std::vector<std::uint32_t>& fontIDs) {
+  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
+  if (fontManager == nullptr) return kErrorKestraneNotRunning;
+  closing.states = fontManager->GetClientFontActivationStates(fontIDs);
+  const int result = fontManager->ConnectedToCoreAgent() ? CloseFontsInOneBatch(closing, fontIDs)
+                                                         : CloseFontsOneByOne(closing, fontIDs);
+  EndActivationChange();
+  return result;
+}
+
+bool FontActivationTracker::DropReference(SFontRecord& font, bool& allClosed) {
+  const bool wasLast = font.refCount == 1;
+  if (font.refCount > 0) --font.refCount;
+  if (!wasLast) allClosed = false;
+  return wasLast;
+}
+
+int FontActivationTracker::CloseFontsInOneBatch(Closing& closing,
+                                                const std::vector<std::uint32_t>& fontIDs) {
+  const FontRecordArray batch = MakeFontRecordArray();
+  for (const std::uint32_t id : fontIDs) {
+    const auto entry = m_mFonts.find(id);
+    if (entry == m_mFonts.end()) {
+      OutputFormattedDebugString(
+          "No entry found for nDatabaseID(%d) in FontManagerInterface::m_mFonts",
+          static_cast<int>(id));
+      continue;
+    }
+    OutputFormattedDebugString("Considering whether to deactivate databaseID %d",
+                               static_cast<int>(id));
+    SFontRecord& font = entry->second;
+    const bool wasLast = DropReference(font, closing.allClosed);
+    if (!closing.deactivate) continue;
+    const char* name = font.postscriptName.c_str();
+    if (!wasLast) {
+      OutputFormattedDebugString("Not deactivating '%s' because its ref count is %d", name,
+                                 static_cast<int>(font.refCount));
+      continue;
+    }
+    if (!IsStillOurs(closing.states, id)) {
+      OutputFormattedDebugString("Not deactivating '%s' because it is no longer plugin activated",
+                                 name);
+    } else if (!font.wasAlreadyActive) {
+      OutputFormattedDebugString("Adding '%s' to fontsToDeactivate.", name);
+      batch->Append(font.fontInfo);
+    } else {
+      OutputFormattedDebugString("Not deactivating '%s' because it was already active", name);
+    }
+    m_mFonts.erase(entry);
+  }
+  return closing.DeactivateBatch(batch);
+}
+
+int FontActivationTracker::CloseFontsOneByOne(Closing& closing,
+                                              const std::vector<std::uint32_t>& fontIDs) {
+  int result = 0;
+  for (std::size_t i = 0; i < fontIDs.size(); ++i) {
+    const auto entry = m_mFonts.find(fontIDs[i]);
+    if (entry == m_mFonts.end()) continue;
+    SFontRecord& font = entry->second;
+    const bool wasLast = DropReference(font, closing.allClosed);
+    if (!wasLast || !closing.deactivate) continue;
+    if (!font.wasAlreadyActive) {
+      ProgressCallback(static_cast<int>(i), static_cast<int>(fontIDs.size()), font.postscriptName,
+                       &closing.progress);
+      const FontRecord fontInfo = font.fontInfo;
+      const int code = DeactivateOne(fontInfo, font.activationContext);
+      if (code == kErrorKestraneNotRunning) return code;
+      if (code != 0) {
+        result = code;
+      } else if (closing.fontsDeactivated) {
+        closing.fontsDeactivated->Append(fontInfo);
+      }
+    }
+    m_mFonts.erase(fontIDs[i]);
+  }
+  return result;
+}
+
+int FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts, bool bShowProgress) {
+  FontManagerInterface* fontManager = ConnectedFontManager();
+  if (fontManager == nullptr) return kErrorKestraneNotRunning;
+  if (m_mFonts.empty()) return 0;
+  GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
+  OutputFormattedDebugString("Calling FontManagerInterface::SetCountForLongOperations(%d)",
+                             static_cast<int>(m_mFonts.size()));
+  fontManager->SetCountForLongOperations(static_cast<int>(m_mFonts.size()));
+  const auto progress =
+      ShowFontProgress(m_pTarnInterface, bShowProgress, m_mFonts.size(),
+                       "FontDeactivationWindowTitle", "FontDeactivationHeaderForQuit");
+  std::vector<std::uint32_t> fontIDs;
+  for (const auto& [id, font] : m_mFonts) fontIDs.push_back(id);
+  Closing closing{bDeactivateClosedFonts, nullptr, {true, m_pTarnInterface, progress.get()}};
+  closing.states = fontManager->GetClientFontActivationStates(fontIDs);
+  const int result = fontManager->ConnectedToCoreAgent()
+                         ? CloseEverythingInOneBatch(closing, fontIDs)
+                         : CloseEverythingOneByOne(closing, fontIDs);
+  EndActivationChange();
+  m_mFonts.clear();
+  return result;
+}
+
+int FontActivationTracker::CloseEverythingInOneBatch(Closing& closing,
+                                                     const std::vector<std::uint32_t>& fontIDs) {
+  const FontRecordArray batch = MakeFontRecordArray();
+  for (const std::uint32_t id : fontIDs) {
+    SFontRecord& font = m_mFonts[id];
+    if (!font.fontInfo) continue;
+    if (font.isOpen && !font.wasAlreadyActive && closing.deactivate &&
+        IsStillOurs(closing.states, id)) {
+      batch->Append(font.fontInfo);
+    }
+    font.isOpen = false;
+    font.fontInfo = nullptr;
+    font.postscriptName.clear();
+  }
+  return closing.DeactivateBatch(batch);
+}
+
+int FontActivationTracker::CloseEverythingOneByOne(Closing& closing,
+                                                   const std::vector<std::uint32_t>& fontIDs) {
+  int result = 0;
+  for (std::size_t i = 0; i < fontIDs.size(); ++i) {
+    SFontRecord& font = m_mFonts[fontIDs[i]];
+    if (!font.isOpen) continue;
+    if (!font.wasAlreadyActive && closing.deactivate) {
+      const int code = DeactivateOne(font.fontInfo, font.activationContext);
+      if (code == kErrorKestraneNotRunning) return code;
+      if (code != 0) result = code;
+    }
+    font.isOpen = false;
+    ProgressCallback(static_cast<int>(i) + 1, static_cast<int>(fontIDs.size()), font.postscriptName,
+                     &closing.progress);
+    font.fontInfo = nullptr;
+    font.postscriptName.clear();
+  }
+  return result;
+}

@@ -1,0 +1,140 @@
+#include "activation/Pipeline.h"
+
+#include "activation/ConnectedFontManager.h"
+#include "dialogs/TarnInterface.h"
+#include "fonts/FontRecordOperations.h"
+#include "fonts/MatchRules.h"
+#include "fonts/RecordAccess.h"
+#include "foundation/PluginLog.h"
+
+namespace FaceprintSupport {
+namespace {
+
+// Where the fonts of one document go, and by which rules.
+struct Sorting {
+  const FontRecordArray& matchedFonts;
+  const FontRecordArray& problemFonts;
+  bool pickBestMatch;
+  long workgroupID;
+};
+
+void Match(const FontRecord& font, const FontRecord& candidate, const Sorting& sorting) {
+  font->Set(kFP_MatchedFontKey, candidate);
+  sorting.matchedFonts->Append(font);
+}
+
+// Candidates are sorted best first, so the first perfect one is the best of them.
+FontRecord FirstPerfectMatch(const FontRecord& font, const FontRecordArray& candidates) {
+  for (std::size_t i = 0; i < candidates->Count(); ++i) {
+    FontRecord candidate = candidates->DictionaryAt(i);
+    if (IsPerfectMatch(font, candidate)) return candidate;
+  }
+  return nullptr;
+}
+
+FontRecord FirstActive(const FontRecordArray& candidates) {
+  for (std::size_t i = 0; i < candidates->Count(); ++i) {
+    FontRecord candidate = candidates->DictionaryAt(i);
+    if (KeyValueContains(candidate, kFP_IsActiveKey, "1")) return candidate;
+  }
+  return nullptr;
+}
+
+// The candidate that can be taken without asking anybody; null if there is none.
+FontRecord ChooseCandidate(const FontRecord& font, const FontRecordArray& candidates,
+                           bool pickBestMatch) {
+  if (FontRecord perfect = FirstPerfectMatch(font, candidates)) return perfect;
+  if (candidates->IsEmpty()) return nullptr;
+  const bool nameOnly = IsPostScriptNameOnly(font);
+  if (pickBestMatch || (nameOnly && candidates->Count() == 1)) return candidates->DictionaryAt(0);
+  return nameOnly ? FirstActive(candidates) : nullptr;
+}
+
+void SortUnknownFont(const FontRecord& font, const Sorting& sorting) {
+  const std::string name = RecordString(font, kFP_PostScriptNameKey);
+  if (!FontManagerInterface::IsFontActive(name)) {
+    sorting.problemFonts->Append(font);
+    return;
+  }
+  OutputFormattedDebugString(
+      "Font '%s' would be reported as missing, but appears to be active.  Must be of a type "
+      "Kestrane does not support.",
+      name.c_str());
+}
+
+int CategorizeOneFont(const FontRecord& font, const Sorting& sorting) {
+  FontManagerInterface* fontManager = ConnectedFontManager();
+  if (fontManager == nullptr) return kErrorKestraneNotRunning;
+  FontRecordArray candidates = MakeFontRecordArray();
+  bool excludedRemote = false;
+  const int result = fontManager->GetFaceprintData(font, kPostScriptFontName, &excludedRemote,
+                                                   sorting.workgroupID, candidates);
+  if (result != 0) return result;
+  static_cast<void>(fontManager->RemoveRemoteFonts(candidates));
+  if (const FontRecord chosen = ChooseCandidate(font, candidates, sorting.pickBestMatch)) {
+    Match(font, chosen, sorting);
+  } else if (candidates->IsEmpty()) {
+    SortUnknownFont(font, sorting);
+  } else {
+    static_cast<void>(fontManager->AddWorkgroupNamesToFonts(candidates));
+    font->Set(kFP_PossibleReplacementsKey, candidates);
+    sorting.problemFonts->Append(font);
+  }
+  return 0;
+}
+
+int CategorizeFonts(const FontRecordArray& fonts, const Sorting& sorting) {
+  int result = 0;
+  for (std::size_t i = 0; i < fonts->Count(); ++i) {
+    const FontRecord font = fonts->DictionaryAt(i);
+    if (FindString(font, kFP_PostScriptNameKey) == nullptr) {
+      OutputFormattedDebugString(
+          "...Could not get fontName from entry %d in ProcessDocumentFontsForAutoActivation's "
+          "allDocumentFonts array.",
+          static_cast<int>(i));
+      continue;
+    }
+    result = CategorizeOneFont(font, sorting);
+    if (result == kErrorKestraneNotRunning) break;
+  }
+  return result;
+}
+
+int CountWithFaceprintData(const FontRecordArray& fonts) {
+  int count = 0;
+  for (std::size_t i = 0; i < CountOf(fonts); ++i) {
+    if (FontRefContainsFaceprintData(fonts->DictionaryAt(i))) ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+int ProcessDocumentFontsForAutoActivation(const FontRecordArray& allDocumentFonts,
+                                          const FontRecordArray& matchedFonts,
+                                          const FontRecordArray& problemFonts,
+                                          bool faceprintEnabled, bool pickBestMatch,
+                                          long workgroupID, TarnInterface* tarn) {
+  if (ConnectedFontManager() == nullptr) return kErrorKestraneNotRunning;
+  if (!allDocumentFonts || !matchedFonts || !problemFonts) return kErrorBadArgument;
+  OutputFormattedDebugString("ProcessDocumentFontsForAutoActivation: faceprintEnabled=%d",
+                             faceprintEnabled ? 1 : 0);
+  const Sorting sorting{matchedFonts, problemFonts, pickBestMatch, workgroupID};
+  int result = 0;
+  try {
+    result = CategorizeFonts(allDocumentFonts, sorting);
+  } catch (...) {
+    if (tarn != nullptr) tarn->HideProgress();
+    OutputFormattedDebugString("Exiting ProcessDocumentFontsForAutoActivation via throw.");
+    throw;
+  }
+  if (tarn != nullptr) tarn->HideProgress();
+  OutputFormattedDebugString(
+      "Exiting ProcessDocumentFontsForAutoActivation with %d matchedFonts (%d with Faceprint data) "
+      "and %d problemFonts (%d with Faceprint data).",
+      static_cast<int>(matchedFonts->Count()), CountWithFaceprintData(matchedFonts),
+      static_cast<int>(problemFonts->Count()), CountWithFaceprintData(problemFonts));
+  return result;
+}
+
+}  // namespace FaceprintSupport
