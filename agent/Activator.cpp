@@ -88,6 +88,10 @@ bool CopyContents(int from, int to) {
   }
 }
 
+bool IsShardName(const std::string& name) {
+  return name.size() == 2 && name.find_first_not_of("0123456789abcdef") == std::string::npos;
+}
+
 // The names in a folder, without "." and "..".
 std::vector<std::string> NamesIn(const std::string& folder) {
   std::vector<std::string> names;
@@ -164,7 +168,7 @@ void Activator::Remove(const std::string& path) {
 void Activator::RemoveAllBut(const std::set<std::string>& paths) {
   for (const std::string& shardName : NamesIn(mFolder)) {
     const std::string shard = mFolder + "/" + shardName;
-    if (unlink(shard.c_str()) == 0) continue;
+    if (!IsShardName(shardName)) continue;
     for (const std::string& name : NamesIn(shard)) {
       const std::string path = shard + "/" + name;
       if (!paths.contains(path)) Remove(path);

@@ -25,7 +25,7 @@ class Activator {
   Result Install(const std::string& source, const std::string& path, std::string& error);
   // Takes a copy out, and its shard when it was the last one there.
   void Remove(const std::string& path);
-  // Removes everything but these copies, temporary files included.
+  // Removes everything in the shard folders but these copies, temporary files included.
   void RemoveAllBut(const std::set<std::string>& paths);
   // Gives the shard folders of the last installs and removals the present time. Once more a second
   // later, since an application that looked in the same second would never notice the change.

@@ -128,7 +128,7 @@ void LibraryScanner::Update(Job& job, ScanControl& control, ScanResult& result) 
   }
   const std::vector<FoundFile> files = FilesToRead(job, result);
   ReadAndWrite(job, files, control, result);
-  mStore.CountFolder(job.folder, result.outcome);
+  if (job.folder != 0) mStore.CountFolder(job.folder, result.outcome);
 }
 
 std::vector<FoundFile> LibraryScanner::FilesToRead(Job& job, ScanResult& result) {

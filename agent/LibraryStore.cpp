@@ -184,7 +184,7 @@ void LibraryStore::CountFolder(std::int64_t folder, ScanOutcome& outcome) {
   const auto lock = Lock();
   auto query = mDatabase->Ask(
       "SELECT count(*), total(error IS NOT NULL), total((SELECT count(*) FROM fonts WHERE file_id "
-      "= files.id)) FROM files WHERE ifnull(folder_id, 0) = ? AND NOT missing",
+      "= files.id)) FROM files WHERE folder_id = ? AND NOT missing",
       folder);
   if (!query.Next()) return;
   outcome.files += query.Count(0);

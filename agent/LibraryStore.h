@@ -70,7 +70,7 @@ class LibraryStore {
   // Takes the folder, its files and their faces out.
   bool RemoveFolder(std::int64_t folder);
 
-  // Fills in files, faces and broken files as they are now; folder 0 is the system's workgroup.
+  // Fills in files, faces and broken files of a folder as they are now.
   void CountFolder(std::int64_t folder, ScanOutcome& outcome);
 
   std::string Setting(const std::string& key);
