@@ -88,9 +88,11 @@ PreferenceStore::PreferenceStore(std::string folder)
     : mFolder(std::move(folder)), mPath(mFolder + "/preferences.conf"), mFile(g_key_file_new()) {}
 
 PreferenceStore& PreferenceStore::Shared() {
-  static PreferenceStore* const store = new PreferenceStore(  // parked for the process's life
-      GFileSystem::OSGetUsersRoamingAppDataDirectory().GetPath() + "/Vendrel");
-  return *store;
+  static auto* const store = new std::unique_ptr<PreferenceStore>;  // parked for the process's life
+  const std::string folder =
+      GFileSystem::OSGetUsersRoamingAppDataDirectory().GetPath() + "/Vendrel";
+  if (!*store || (*store)->mFolder != folder) *store = std::make_unique<PreferenceStore>(folder);
+  return **store;
 }
 
 bool PreferenceStore::HasAny() {

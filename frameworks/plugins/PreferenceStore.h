@@ -22,7 +22,7 @@ class PreferenceStore {
  public:
   explicit PreferenceStore(std::string folder);
 
-  // Of this process.
+  // Of this process, in the folder that the environment names at this moment. Lent until then.
   static PreferenceStore& Shared();
 
   bool HasAny();
