@@ -119,6 +119,6 @@ std::string MacRomanToUtf8(std::string_view bytes) {
   return utf8;
 }
 
-std::string replaceAll(std::string text, std::string_view from, std::string_view to) {
+std::string replaceAll(std::string_view text, std::string_view from, std::string_view to) {
   return GStringUtils::StringReplace(text, from, to);
 }
