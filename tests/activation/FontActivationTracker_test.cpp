@@ -5,7 +5,9 @@
 #include <random>
 #include <regex>
 
+#include "dialogs/TarnInterface.h"
 #include "support/FakeFontManager.h"
+#include "support/FakeTarn.h"
 #include "support/FontRecords.h"
 #include "support/IdentifiedPlugin.h"
 #include "support/LogCapture.h"
@@ -223,6 +225,37 @@ TEST_F(Tracker, ManuallyActivatedFontsAreTakenOut) {
   EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"Auto", "Off", ""}));
   FontActivationTracker::RemoveActivatedFonts(fonts, 0, false);
   EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"Off", ""}));
+}
+
+// With a dialog framework: families, one question however many fonts are remote, and progress.
+TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
+  FakeTarn framework;
+  framework.Install(mPlugin.platform);
+  framework.preferences["ActivateEntireFamilies"] = true;
+  TarnInterface tarn("Photoshop", "1", "com.vendrel.test.photoshop", "1");
+  FontActivationTracker tracker(&tarn);
+  mManager.Add(1, "Fam-Bold", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
+  mManager.Add(2, "Fam-Light", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
+  mManager.Add(3, "Fam-On", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
+  mPlugin.platform.fonts.visible.insert("Fam-On");
+  mManager.online = false;
+  EXPECT_EQ(tracker.OpenFontsForIdentifier(MakeFonts({Element(1), Element(2)}), "doc", true,
+                                           nullptr, nullptr),
+            0);
+  EXPECT_EQ(LastCall("ActivateFontsByID"), "ActivateFontsByID(1,2)");
+  EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier("doc"), 2u);
+  EXPECT_EQ(framework.TakeTitles().size(), 1u);
+  EXPECT_EQ(mManager.CountOfCalls("GoOnline"), 1);
+  EXPECT_EQ(framework.progressShown, 1);
+  EXPECT_EQ(framework.progressHidden, 1);
+
+  // The whole family is on: the matched font is asked for by itself.
+  mPlugin.platform.fonts.visible = {"Fam-Bold", "Fam-Light", "Fam-On"};
+  mManager.Find(1)->info->Set(kFP_IsLocalKey, "1");
+  tracker.OpenFontsForIdentifier(MakeFonts({Element(1)}), "late", false, nullptr, nullptr);
+  EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier("late"), 1u);
+  EXPECT_TRUE(framework.TakeTitles().empty());
+  KestraneGlobals::CleanUpOnShutdown();  // the shared dialog interface goes before its framework
 }
 
 TEST_F(Tracker, IdentifiersAndUnresolvedFonts) {
