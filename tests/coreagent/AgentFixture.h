@@ -9,6 +9,7 @@
 
 #include "coreagent/CommandRetry.h"
 #include "coreagent/CoreAgentInterface.h"
+#include "fonts/FontDataCache.h"
 #include "sdk/FontRecordKeys.h"
 #include "state/HostAppInterface.h"
 #include "support/PluginWorld.h"
@@ -84,6 +85,7 @@ class AgentTest : public testing::Test {
     FontManagerInterface::ExchangeFontManager(nullptr);
     agent.reset();
     HostAppInterface::SetHostAppInterface(nullptr);
+    FontDataPreviouslyGottenFromDatabase::DeleteAll();
   }
 
   // Makes the font manager and puts it in place.

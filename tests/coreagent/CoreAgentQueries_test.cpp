@@ -1,5 +1,4 @@
 #include "coreagent/AgentFixture.h"
-#include "fonts/FontDataCache.h"
 
 namespace {
 
@@ -110,7 +109,6 @@ TEST_F(Queries, DeliverAConvertedRecordAndRememberIt) {
   EXPECT_TRUE(FontDataPreviouslyGottenFromDatabase::CreateCopyOfFaceprintDataForActiveFont(
       "Name", cached, cachedID));
   EXPECT_EQ(cachedID, 7u);
-  FontDataPreviouslyGottenFromDatabase::DeleteAll();
 
   EXPECT_EQ(agent->GetNamedFontInfo("Name", kPostScriptFontName, 11, 0, "", rec), -1);
   EXPECT_EQ(agent->GetNamedFontInfo("Name", kPostScriptFontName, 11, 2, "", rec), -1);
@@ -121,7 +119,6 @@ TEST_F(Queries, DeliverAConvertedRecordAndRememberIt) {
   EXPECT_EQ(facade.CallsOf("GetFontInfoByID"), Calls{"7@0"});
   EXPECT_EQ(agent->GetFontInfoByID(MakeFont(8), rec), -1);
   EXPECT_FALSE(rec.info);
-  FontDataPreviouslyGottenFromDatabase::DeleteAll();
 
   std::string name;
   EXPECT_EQ(agent->GetPostscriptNameByID(name, 11, 7), 0);
@@ -138,7 +135,6 @@ TEST_F(Queries, FindADecoratedNameInTheLibrary) {
   EXPECT_EQ(agent->GetFaceprintData(source, 0, nullptr, 11, candidates), 0);
   ASSERT_EQ(IDsOf(candidates), IDs{7});
   EXPECT_EQ(RecordString(candidates->DictionaryAt(0), kFP_ActivationStateKey), "2");
-  FontDataPreviouslyGottenFromDatabase::DeleteAll();
 }
 
 TEST_F(Queries, ARecordTooLargeForTheBufferGivesNoText) {
