@@ -118,7 +118,11 @@ void UpdateAfterOpen(FontReport& report, const std::map<std::uint32_t, std::stri
   for (ReportedFont& font : report.fonts) {
     if (!font.note.empty() || !font.match) continue;
     const auto path = activePaths.find(RecordDatabaseID(font.match));
-    if (path == activePaths.end()) continue;
+    if (path == activePaths.end()) {
+      // Its file could not be turned on.
+      if (font.status == FontStatus::eInactive) font.status = FontStatus::eMissing;
+      continue;
+    }
     const std::string name = RecordString(font.match, kFP_PostScriptNameKey);
     if (proof.FileFor(name) != path->second) {
       font.status = FontStatus::eShadowed;

@@ -7,7 +7,7 @@
 #include "foundation/GStringUtils.h"
 #include "host/Commands.h"
 #include "host/PluginSession.h"
-#include "photoshop/Startup.h"
+#include "photoshop/CommonStartup.h"
 #include "state/KestraneGlobals.h"
 
 namespace {

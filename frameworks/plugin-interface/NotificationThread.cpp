@@ -107,6 +107,9 @@ void NotificationThread::Run() {
       AwaitSomething(wanted);
     }
   }
+  // What the connection left to be freed.
+  while (g_main_context_iteration(mContext, FALSE)) {
+  }
   g_main_context_pop_thread_default(mContext);
 }
 

@@ -29,7 +29,8 @@ inline constexpr TModuleErrorCode kStartupNotLoggedIn = 3;
 inline constexpr TModuleErrorCode kStartupNoWorkgroups = 4;
 
 // Font manager, logging, login and workgroup checks; a failure leaves the services disabled. Once
-// only: CoreErrorCodes::kUnknownError later on.
+// only: CoreErrorCodes::kUnknownError later on. The toolkit behind the fonts' identity in files is
+// not started here yet, nor ended by a shutdown.
 TModuleErrorCode Startup(bool allowDialogs);
 
 // For front ends of other hosts. Once only, as above.

@@ -9,6 +9,7 @@
 #include "photoshop/AutoSuite.h"
 #include "photoshop/DocumentActivation.h"
 #include "photoshop/HostText.h"
+#include "photoshop/PIUtilities.h"
 #include "photoshop/PhotoshopFontUtils.h"
 
 namespace {
@@ -36,7 +37,7 @@ unsigned HandleForLog(HostDocumentHandle handle) { return static_cast<unsigned>(
 
 std::string PathOfOpenedFile(PIActionDescriptor descriptor) {
   OwnedAlias alias;
-  if (sPSActionDescriptor->GetAlias(descriptor, keyNull, alias.Out()) != 0) return {};
+  if (PIUGetSingleItemFromDescriptor(descriptor, keyNull, alias) != 0) return {};
   return PhotoshopFontUtils::GetUTF8EncodedPathFromFileAlias(alias.Get());
 }
 

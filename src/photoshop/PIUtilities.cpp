@@ -14,6 +14,7 @@ void StoreInLowByte(int* target, bool value) {
 }
 
 SPErr ReadProperty(PIActionReference reference, OwnedDescriptor& answer) {
+  sPSActionDescriptor.AcquireSuite(true);  // which frees the answer
   const SPErr error = sPSActionControl->Get(answer.Out(), reference);
   return error == 0 && !answer ? kPSItemMissingError : error;
 }
@@ -47,6 +48,7 @@ SPErr PIUGetSingleItemFromDescriptor(PIActionDescriptor descriptor, DescriptorKe
 
 SPErr PIUGetSingleItemFromDescriptor(PIActionDescriptor descriptor, DescriptorKeyID key,
                                      OwnedAlias& alias) {
+  sPSAlias.AcquireSuite(true);  // which frees the alias
   return sPSActionDescriptor->GetAlias(descriptor, key, alias.Out());
 }
 
@@ -88,10 +90,16 @@ SPErr PIUGetInfoByIndex(int index, DescriptorClassID type, DescriptorKeyID key, 
 }
 
 SPErr PIUSelectByID(DescriptorClassID type, int id) {
-  if (type != classDocument) return kSPBadParameterError;
+  OwnedReference reference;
+  if (const SPErr error = sPSActionReference->Make(reference.Out())) return error;
+  if (const SPErr error = sPSActionReference->PutIdentifier(reference.Get(), type,
+                                                            static_cast<std::uint32_t>(id))) {
+    return error;
+  }
   OwnedDescriptor parameters;
   if (const SPErr error = sPSActionDescriptor->Make(parameters.Out())) return error;
-  if (const SPErr error = sPSActionDescriptor->PutInteger(parameters.Get(), keyDocumentID, id)) {
+  if (const SPErr error =
+          sPSActionDescriptor->PutReference(parameters.Get(), keyNull, reference.Get())) {
     return error;
   }
   OwnedDescriptor answer;

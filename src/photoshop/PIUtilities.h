@@ -25,5 +25,5 @@ SPErr PIUGetInfo(DescriptorClassID type, DescriptorKeyID key, OwnedDescriptor& a
 SPErr PIUGetInfoByIndex(int index, DescriptorClassID type, DescriptorKeyID key, int* first);
 SPErr PIUGetInfoByIndex(int index, DescriptorClassID type, DescriptorKeyID key, OwnedAlias& alias);
 
-// Makes the document of this ID the current one: plays "slct" with the integer "DocI".
+// Makes the object of this ID the current one of its class: plays "slct" with a reference.
 SPErr PIUSelectByID(DescriptorClassID type, int id);

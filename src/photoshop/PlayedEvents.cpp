@@ -40,9 +40,10 @@ void ShowIndeterminateProgress() {
 }
 
 void HideIndeterminateProgress() {
-  TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
   auto& properties = pProgressProperties();
-  if (!tarn || !properties) return;
+  if (!properties) return;
+  TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
+  if (!tarn) return;
   tarn->HideProgress();
   properties.reset();
   OutputFormattedDebugString("Indeterminate progress dialog destroyed at %d",
@@ -50,6 +51,7 @@ void HideIndeterminateProgress() {
 }
 
 SPErr PlaySilently(DescriptorEventID event, PIActionDescriptor parameters) {
+  sPSActionDescriptor.AcquireSuite(true);  // which frees the answer
   OwnedDescriptor answer;
   return sPSActionControl->Play(answer.Out(), event, parameters, kPSDialogSilent);
 }

@@ -17,6 +17,8 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 // "#x10FFFF", as much as the library reads.
 constexpr std::size_t kMaxEntityLength = 8;
+// The library moves the rest of a text at each entity: bytes that it may move for one list.
+constexpr std::uint64_t kMaxBytesMoved = std::uint64_t{1} << 31;
 
 std::string_view StripBlanks(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -31,20 +33,22 @@ bool IsNumber(std::string_view text) {
   return error == std::errc() && end == text.data() + text.size();
 }
 
-bool IsInteger(std::string_view text) {
+// Without the blanks around it and without a plus sign, which from_chars knows nothing of.
+std::string_view NumberText(std::string_view text) {
   text = StripBlanks(text);
-  if (text.starts_with('+')) text.remove_prefix(1);
-  const std::string_view digits = text.substr(text.starts_with('-') ? 1 : 0);
-  // The library takes a leading zero for octal.
-  if (digits.size() > 1 && digits.front() == '0') return false;
-  return !digits.starts_with('+') && IsNumber<std::int64_t>(text);
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  return text;
 }
 
-bool IsReal(std::string_view text) {
-  text = StripBlanks(text);
-  if (text.starts_with('+')) text.remove_prefix(1);
-  return IsNumber<double>(text);
+bool IsInteger(std::string_view text) {
+  const std::string_view number = NumberText(text);
+  const std::string_view digits = number.substr(number.starts_with('-') ? 1 : 0);
+  // The library takes a leading zero for octal.
+  if (digits.size() > 1 && digits.front() == '0') return false;
+  return IsNumber<std::int64_t>(number);
 }
+
+bool IsReal(std::string_view text) { return IsNumber<double>(NumberText(text)); }
 
 bool IsBase64(std::string_view text) {
   std::size_t count = 0;
@@ -239,12 +243,18 @@ class Checker {
     if (tag.isEmpty) return true;
     for (;;) {
       const std::size_t end = std::min(mRest.find('<'), mRest.size());
-      if (!AreEntitiesKnown(mRest.substr(0, end))) return false;
+      if (!AcceptEntities(mRest.substr(0, end))) return false;
       mRest.remove_prefix(end);
       if (!mRest.starts_with("<![CDATA[")) return TakeClosingTag(tag.name);
       mRest.remove_prefix(9);
       if (!SkipThrough("]]>")) return false;
     }
+  }
+
+  bool AcceptEntities(std::string_view text) {
+    const auto count = static_cast<std::uint64_t>(std::count(text.begin(), text.end(), '&'));
+    mBytesMoved += count * text.size();
+    return mBytesMoved <= kMaxBytesMoved && AreEntitiesKnown(text);
   }
 
   std::optional<std::string_view> TakeSimpleText(const Tag& tag) {
@@ -263,6 +273,7 @@ class Checker {
   std::string_view mRest;
   std::vector<Container> mContainers;
   std::size_t mValueCount = 0;
+  std::uint64_t mBytesMoved = 0;
   bool mHasRoot = false;
   bool mIsInPlist = false;
 };

@@ -144,7 +144,7 @@ TEST(HostAccess, NamesAndFonts) {
   EXPECT_EQ(0, BringDocumentToFront(7));
   ASSERT_EQ(1u, shell.host.played.size());
   EXPECT_EQ(eventSelect, shell.host.played[0].event);
-  EXPECT_EQ(7, shell.host.played[0].documentID);
+  EXPECT_EQ(7, shell.host.played[0].selected);
   EXPECT_EQ(0u, shell.host.ObjectsAlive());
 }
 

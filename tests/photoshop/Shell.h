@@ -6,6 +6,7 @@
 #include <string>
 
 #include "activation/TrackedDocuments.h"
+#include "dialogs/TarnInterface.h"
 #include "photoshop/AutoSuite.h"
 #include "photoshop/CompositionRoot.h"
 #include "photoshop/DocumentEvents.h"

@@ -36,9 +36,9 @@ std::int32_t ShowMessageBox(const char*, const char* message, std::uint32_t) {
 void ShowResolveFonts(PLArrayRef) { Show("TarnShowResolveFonts"); }
 void ShowRestrictedFonts(PLArrayRef) { Show("TarnShowRestrictedFonts"); }
 void ShowProgress(PLDictionaryRef progress) {
-  bool indeterminate = false;
-  PLDictionaryGetBool(progress, kTarnIsIndeterminate, &indeterminate);
-  Show(indeterminate ? "TarnShowProgress:indeterminate" : "TarnShowProgress");
+  std::int64_t indeterminate = 0;
+  PLDictionaryGetInteger(progress, kTarnIsIndeterminate, &indeterminate);
+  Show(indeterminate != 0 ? "TarnShowProgress:indeterminate" : "TarnShowProgress");
 }
 void UpdateProgress(PLDictionaryRef) { Show("TarnUpdateProgress"); }
 void HideProgress() { Show("TarnHideProgress"); }

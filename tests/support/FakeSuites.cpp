@@ -32,7 +32,8 @@ struct Object {
   std::vector<std::pair<DescriptorKeyID, Item>> items;  // a list's have no key
   // A reference.
   DescriptorKeyID property = 0;
-  std::uint32_t index = 0;  // 0: the current one
+  std::uint32_t index = 0;       // 0: the current one
+  std::uint32_t identifier = 0;  // 0: not by identifier
 };
 
 // Handles are given out as pointers to a holder, so that a child's handle has a life of its own.
@@ -225,6 +226,13 @@ const PSActionDescriptorProcs kDescriptors = {
     .PutList = [](D d, Key key, PIActionList value) -> SPErr {
       return Put(d, key, ChildOf(kTypeValueList, 0, value)), 0;
     },
+    .GetReference =
+        [](D d, Key key, PIActionReference* out) {
+          return ReadChild(FindKey(d, key), kTypeObjectReference, nullptr, out);
+        },
+    .PutReference = [](D d, Key key, PIActionReference value) -> SPErr {
+      return Put(d, key, ChildOf(kTypeObjectReference, 0, value)), 0;
+    },
 };
 
 using L = PIActionList;
@@ -275,7 +283,9 @@ const PSActionReferenceProcs kReferences = {
     .PutIndex = [](R r, DescriptorClassID, std::uint32_t index) -> SPErr {
       return In(r).index = index, 0;
     },
-    .PutIdentifier = [](R, DescriptorClassID, std::uint32_t) -> SPErr { return 0; },
+    .PutIdentifier = [](R r, DescriptorClassID, std::uint32_t identifier) -> SPErr {
+      return In(r).identifier = identifier, 0;
+    },
 };
 
 SPErr PutDocumentProperty(const Object& reference, D answer) {
@@ -331,7 +341,10 @@ SPErr Play(D* out, DescriptorEventID event, D parameters, int32_t options) {
     Enumerated saving{};
     if (Read(FindKey(parameters, keyNull), &alias) == 0) played.aliasPath = alias.path;
     if (Read(FindKey(parameters, keySaving), &saving) == 0) played.saving = saving.value;
-    Read(FindKey(parameters, keyDocumentID), &played.documentID);
+    const Item* target = FindKey(parameters, keyNull);
+    if (const Child* child = target ? std::get_if<Child>(target) : nullptr) {
+      played.selected = static_cast<int>(child->object->identifier);
+    }
   }
   gHost->played.push_back(played);
   if (gHost->playError == 0 && gHost->onPlay) gHost->onPlay(played);

@@ -35,7 +35,7 @@ class FakeSuites {
     int32_t options;
     std::string aliasPath;        // of "null"
     DescriptorEnumID saving = 0;  // of "Svng"
-    int documentID = 0;           // of "DocI"
+    int selected = 0;             // identifier of the reference "null"
   };
 
   FakeSuites();
