@@ -162,6 +162,7 @@ TEST_F(WorkgroupSelection, IsCheckedOnlyWhereThePluginWorks) {
     EXPECT_TRUE(KestraneGlobals::GetUserHasWorkgroups());
   }
   manager.reset();
+  FontManagerInterface::SetValidWorkgroupSelected(false);
   EXPECT_FALSE(FontManagerInterface::CheckSelectWorkgroup());
   FontManagerInterface::SetValidWorkgroupSelected(true);
   EXPECT_TRUE(FontManagerInterface::CheckSelectWorkgroup());
