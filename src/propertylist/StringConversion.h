@@ -30,4 +30,4 @@ std::optional<std::string> Utf8ToMacRoman(std::string_view text);
 std::string MacRomanToUtf8(std::string_view bytes);
 
 // Replaces every occurrence, left to right, going on behind each replacement.
-std::string replaceAll(std::string text, std::string_view from, std::string_view to);
+std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);

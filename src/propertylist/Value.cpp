@@ -48,6 +48,12 @@ Value::Value(DictionaryRef value) {
   if (value) mValue = std::move(value);
 }
 
+Value::Value(const Value& other) = default;
+Value::Value(Value&& other) noexcept = default;
+Value& Value::operator=(const Value& other) = default;
+Value& Value::operator=(Value&& other) noexcept = default;
+Value::~Value() = default;
+
 PLKind Value::Kind() const {
   constexpr PLKind kKinds[] = {kPLNull,       kPLBool, kPLInteger,   kPLReal,
                                kPLStringKind, kPLData, kPLArrayKind, kPLDictionaryKind};

@@ -1,5 +1,5 @@
-// The XML form of a property list, version 1.0, UTF-8, as libplist writes it. Nesting is bounded by
-// kMaxXmlDepth and size by kMaxXmlBytes in both directions; text that XML can't hold is refused.
+// The XML form of a property list, version 1.0, UTF-8, as libplist writes it. Nesting, size and the
+// number of values are bounded in both directions; text that XML can't hold is refused.
 #pragma once
 
 #include <optional>
@@ -12,11 +12,15 @@ namespace PropertyList {
 
 inline constexpr int kMaxXmlDepth = 64;
 inline constexpr std::size_t kMaxXmlBytes = std::size_t{64} << 20;
+inline constexpr std::size_t kMaxXmlValues = std::size_t{1} << 20;
+// In one dictionary: the library's time grows with the square of it.
+inline constexpr std::size_t kMaxXmlKeys = std::size_t{1} << 16;
 
-// Empty if the value holds malformed UTF-8, control characters that XML has no form for, or nests
-// too deep.
+// Empty if the value holds malformed UTF-8, control characters that XML has no form for or a null
+// value, which a property list has none for either, or is beyond the bounds.
 std::optional<std::string> WriteXml(const Value& value);
-// Empty if the text is no property list. A byte order mark is accepted.
+// Empty if the text is no property list, as XmlCheck.h tells. A byte order mark is accepted; a key
+// that comes twice has its last value. Kinds without a value here (dates) are refused.
 std::optional<Value> ReadXml(std::string_view text);
 
 }  // namespace PropertyList

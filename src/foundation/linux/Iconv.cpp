@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <stdexcept>
 #include <system_error>
 
@@ -34,7 +35,8 @@ class Converter {
   }
 
  private:
-  bool IsOpen() const { return mHandle != reinterpret_cast<iconv_t>(std::ptrdiff_t{-1}); }
+  // iconv_open fails with the pointer form of -1.
+  bool IsOpen() const { return reinterpret_cast<std::intptr_t>(mHandle) != -1; }
 
   void Run(char** input, std::size_t* inputLeft, std::string& out, std::size_t& used) {
     for (;;) {

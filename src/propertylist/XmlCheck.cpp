@@ -1,0 +1,305 @@
+#include "propertylist/XmlCheck.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "foundation/GString.h"
+#include "propertylist/XmlForm.h"
+
+namespace PropertyList {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+// "#x10FFFF", as much as the library reads.
+constexpr std::size_t kMaxEntityLength = 8;
+// The library moves the rest of a text at each entity: bytes that it may move for one list.
+constexpr std::uint64_t kMaxBytesMoved = std::uint64_t{1} << 31;
+
+std::string_view StripBlanks(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+// The whole text is one number of this type.
+template <typename Number>
+bool IsNumber(std::string_view text) {
+  Number number{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+// Without the blanks around it and without a plus sign, which from_chars knows nothing of.
+std::string_view NumberText(std::string_view text) {
+  text = StripBlanks(text);
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  return text;
+}
+
+bool IsInteger(std::string_view text) {
+  const std::string_view number = NumberText(text);
+  const std::string_view digits = number.substr(number.starts_with('-') ? 1 : 0);
+  // The library takes a leading zero for octal.
+  if (digits.size() > 1 && digits.front() == '0') return false;
+  return IsNumber<std::int64_t>(number);
+}
+
+bool IsReal(std::string_view text) { return IsNumber<double>(NumberText(text)); }
+
+bool IsBase64(std::string_view text) {
+  std::size_t count = 0;
+  std::size_t padding = 0;
+  for (const char character : text) {
+    if (kBlanks.find(character) != std::string_view::npos) continue;
+    const bool isDigit =
+        (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
+        (character >= '0' && character <= '9') || character == '+' || character == '/';
+    if (character == '=') {
+      padding += 1;
+    } else if (!isDigit || padding != 0) {
+      return false;
+    }
+    count += 1;
+  }
+  return count % 4 == 0 && padding <= 2;
+}
+
+bool IsXmlCharacter(std::uint32_t character) {
+  if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
+  return character < 0xD800 || (character > 0xDFFF && character < 0xFFFE) ||
+         (character > 0xFFFF && character <= 0x10FFFF);
+}
+
+// The part between "&#" and ";".
+bool IsCharacterReference(std::string_view digits) {
+  int base = 10;
+  if (digits.starts_with('x')) {
+    digits.remove_prefix(1);
+    base = 16;
+  }
+  std::uint32_t character = 0;
+  const char* const last = digits.data() + digits.size();
+  const auto [end, error] = std::from_chars(digits.data(), last, character, base);
+  return error == std::errc() && end == last && IsXmlCharacter(character);
+}
+
+bool AreEntitiesKnown(std::string_view text) {
+  constexpr std::string_view kNames[] = {"amp", "lt", "gt", "apos", "quot"};
+  for (std::size_t start = text.find('&'); start != std::string_view::npos;
+       start = text.find('&', start + 1)) {
+    const std::size_t end = text.substr(0, start + kMaxEntityLength + 2).find(';', start);
+    if (end == std::string_view::npos) return false;
+    const std::string_view entity = text.substr(start + 1, end - start - 1);
+    const bool isKnown = entity.starts_with('#') ? IsCharacterReference(entity.substr(1))
+                                                 : std::find(std::begin(kNames), std::end(kNames),
+                                                             entity) != std::end(kNames);
+    if (!isKnown) return false;
+  }
+  return true;
+}
+
+enum class Place { eInArray, eAtKey, eAtValue };
+
+struct Container {
+  Place place;
+  std::size_t keyCount = 0;
+};
+
+struct Tag {
+  std::string_view name;
+  bool isClosing = false;
+  bool isEmpty = false;
+};
+
+class Checker {
+ public:
+  explicit Checker(std::string_view xml) : mRest(xml) {}
+
+  bool Check() {
+    while (SkipBetweenElements()) {
+      if (mRest.empty()) return mHasRoot && mContainers.empty() && !mIsInPlist;
+      const std::optional<Tag> tag = TakeTag();
+      if (!tag || !CheckTag(*tag)) return false;
+    }
+    return false;
+  }
+
+ private:
+  // Passes over the text up to and with `end`; false if that does not come.
+  bool SkipThrough(std::string_view end) {
+    const std::size_t found = mRest.find(end);
+    if (found == std::string_view::npos) return false;
+    mRest.remove_prefix(found + end.size());
+    return true;
+  }
+
+  // Up to the first ">": no "<" before it, and no quotation mark open at it, so that every reader
+  // sees the same end.
+  std::optional<std::string_view> TakeMarkup() {
+    const std::size_t end = mRest.find_first_of("<>");
+    if (end == std::string_view::npos || mRest[end] == '<') return std::nullopt;
+    const std::string_view markup = mRest.substr(0, end);
+    if (std::count(markup.begin(), markup.end(), '"') % 2 != 0) return std::nullopt;
+    mRest.remove_prefix(end + 1);
+    return markup;
+  }
+
+  // Blanks, comments, processing instructions and the DOCTYPE. False if one of these has no end.
+  bool SkipBetweenElements() {
+    for (;;) {
+      mRest.remove_prefix(std::min(mRest.find_first_not_of(kBlanks), mRest.size()));
+      if (mRest.starts_with("<!--")) {
+        mRest.remove_prefix(4);
+        if (!SkipThrough("-->")) return false;
+      } else if (mRest.starts_with("<?")) {
+        mRest.remove_prefix(2);
+        const std::optional<std::string_view> markup = TakeMarkup();
+        if (!markup || !markup->ends_with('?')) return false;
+      } else if (mRest.starts_with("<!DOCTYPE")) {
+        mRest.remove_prefix(1);
+        const std::optional<std::string_view> markup = TakeMarkup();
+        if (!markup || markup->find('[') != std::string_view::npos) return false;
+      } else {
+        return true;
+      }
+    }
+  }
+
+  std::optional<Tag> TakeTag() {
+    if (!mRest.starts_with('<')) return std::nullopt;
+    mRest.remove_prefix(1);
+    std::optional<std::string_view> markup = TakeMarkup();
+    if (!markup) return std::nullopt;
+    Tag tag;
+    tag.isClosing = markup->starts_with('/');
+    if (tag.isClosing) markup->remove_prefix(1);
+    tag.isEmpty = markup->ends_with('/');
+    if (tag.isEmpty) markup->remove_suffix(1);
+    if (tag.isClosing && tag.isEmpty) return std::nullopt;
+    tag.name = markup->substr(0, markup->find_first_of(kBlanks));
+    return tag;
+  }
+
+  bool CheckTag(const Tag& tag) {
+    if (tag.name == "plist") return CheckPlistTag(tag);
+    if (tag.isClosing) return CloseContainer(tag.name);
+    if (tag.name == "key") return CheckKey(tag);
+    if (!BeginValue()) return false;
+    if (tag.name == "dict" || tag.name == "array") return OpenContainer(tag);
+    return CheckLeaf(tag);
+  }
+
+  bool CheckPlistTag(const Tag& tag) {
+    if (tag.isEmpty || !mContainers.empty()) return false;
+    // Opens before the value, closes behind it.
+    if (tag.isClosing != mIsInPlist || tag.isClosing != mHasRoot) return false;
+    mIsInPlist = !tag.isClosing;
+    return true;
+  }
+
+  // Is this the place for a value?
+  bool BeginValue() {
+    mValueCount += 1;
+    if (mValueCount > kMaxXmlValues) return false;
+    if (mContainers.empty()) return !std::exchange(mHasRoot, true);
+    Place& place = mContainers.back().place;
+    if (place == Place::eAtKey) return false;
+    if (place == Place::eAtValue) place = Place::eAtKey;
+    return true;
+  }
+
+  bool OpenContainer(const Tag& tag) {
+    if (mContainers.size() >= static_cast<std::size_t>(kMaxXmlDepth)) return false;
+    if (tag.isEmpty) return true;
+    mContainers.push_back({tag.name == "dict" ? Place::eAtKey : Place::eInArray});
+    return true;
+  }
+
+  bool CloseContainer(std::string_view name) {
+    if (mContainers.empty()) return false;
+    const Place expected = name == "dict" ? Place::eAtKey : Place::eInArray;
+    if ((name != "dict" && name != "array") || mContainers.back().place != expected) return false;
+    mContainers.pop_back();
+    return true;
+  }
+
+  bool CheckKey(const Tag& tag) {
+    if (mContainers.empty() || mContainers.back().place != Place::eAtKey) return false;
+    Container& dictionary = mContainers.back();
+    dictionary.place = Place::eAtValue;
+    dictionary.keyCount += 1;
+    return dictionary.keyCount <= kMaxXmlKeys && CheckText(tag);
+  }
+
+  bool CheckLeaf(const Tag& tag) {
+    if (tag.name == "string") return CheckText(tag);
+    const std::optional<std::string_view> text = TakeSimpleText(tag);
+    if (!text) return false;
+    if (tag.name == "true" || tag.name == "false") return StripBlanks(*text).empty();
+    if (tag.name == "integer") return IsInteger(*text);
+    if (tag.name == "real") return IsReal(*text);
+    return tag.name == "data" && IsBase64(*text);
+  }
+
+  // Text, CDATA sections in it and the closing tag.
+  bool CheckText(const Tag& tag) {
+    if (tag.isEmpty) return true;
+    for (;;) {
+      const std::size_t end = std::min(mRest.find('<'), mRest.size());
+      if (!AcceptEntities(mRest.substr(0, end))) return false;
+      mRest.remove_prefix(end);
+      if (!mRest.starts_with("<![CDATA[")) return TakeClosingTag(tag.name);
+      mRest.remove_prefix(9);
+      if (!SkipThrough("]]>")) return false;
+    }
+  }
+
+  bool AcceptEntities(std::string_view text) {
+    const auto count = static_cast<std::uint64_t>(std::count(text.begin(), text.end(), '&'));
+    mBytesMoved += count * text.size();
+    return mBytesMoved <= kMaxBytesMoved && AreEntitiesKnown(text);
+  }
+
+  std::optional<std::string_view> TakeSimpleText(const Tag& tag) {
+    if (tag.isEmpty) return std::string_view();
+    const std::string_view text = mRest.substr(0, mRest.find('<'));
+    mRest.remove_prefix(text.size());
+    if (!TakeClosingTag(tag.name)) return std::nullopt;
+    return text;
+  }
+
+  bool TakeClosingTag(std::string_view name) {
+    const std::optional<Tag> tag = TakeTag();
+    return tag && tag->isClosing && tag->name == name;
+  }
+
+  std::string_view mRest;
+  std::vector<Container> mContainers;
+  std::size_t mValueCount = 0;
+  std::uint64_t mBytesMoved = 0;
+  bool mHasRoot = false;
+  bool mIsInPlist = false;
+};
+
+}  // namespace
+
+bool IsXmlText(std::string_view text) {
+  const auto isRefused = [](char character) {
+    return static_cast<unsigned char>(character) < 0x20 && character != '\t' && character != '\n' &&
+           character != '\r';
+  };
+  if (std::any_of(text.begin(), text.end(), isRefused) || !GString::IsValidUtf8(text)) return false;
+  // U+FFFE and U+FFFF.
+  return text.find("\xEF\xBF\xBE") == std::string_view::npos &&
+         text.find("\xEF\xBF\xBF") == std::string_view::npos;
+}
+
+bool IsXmlPropertyList(std::string_view xml) {
+  return xml.size() <= kMaxXmlBytes && IsXmlText(xml) && Checker(xml).Check();
+}
+
+}  // namespace PropertyList

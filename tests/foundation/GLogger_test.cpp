@@ -1,0 +1,141 @@
+#include "foundation/GLogger.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <thread>
+
+#include "foundation/ErrorChecks.h"
+#include "foundation/WallClock.h"
+#include "support/RecordingAppender.h"
+
+namespace {
+
+// 2026-11-15T18:20:57.123Z: 20,772 days of 86,400 seconds, 66,057 seconds and 123 milliseconds.
+constexpr std::int64_t kSomeTime = (20'772LL * 86'400 + 66'057) * 1000 + 123;
+
+class GLoggerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    WallClock::SetForTest([] { return kSomeTime; });
+    mLogger->ResetAllLoggingLevels();
+  }
+  void TearDown() override { WallClock::SetForTest({}); }
+
+  GLogger* mLogger = GLogger::GetSharedInstance();
+  RecordingAppender& mLog = RecordingAppender::Install();
+};
+
+TEST_F(GLoggerTest, LineHasTimeIdentifierLevelAndText) {
+  mLogger->LogWarning("Some", "%d of %s", 3, "four");
+  mLogger->LogInfo("Some", "below the level");
+  mLogger->LogString("bare %c", 'x');
+  ASSERT_EQ(mLog.Lines().size(), 2U);
+  EXPECT_EQ(mLog.Lines()[0], "[2026-11-15T18:20:57.123Z]\t[Some]\t[Warning]\t3 of four\n");
+  EXPECT_EQ(mLog.Lines()[1], "[2026-11-15T18:20:57.123Z]\tbare x\n");
+}
+
+TEST_F(GLoggerTest, ErrorRecordIsOneLine) {
+  WriteErrorRecord(1, "/some/where/GJSONUtils.cpp", 180, "!jsonValue.find(key, value)",
+                   CoreErrorCodes::kNotFound);
+  ASSERT_EQ(mLog.Lines().size(), 1U);
+  EXPECT_EQ(mLog.Lines()[0],
+            "[2026-11-15T18:20:57.123Z]\t[Miscellaneous]\t[Error]\t"
+            "Error='CoreErrorCodes::kNotFound'  File='GJSONUtils'  Line=180  "
+            "Expression='!jsonValue.find(key, value)'  Code='117440512'  \n");
+}
+
+TEST_F(GLoggerTest, LevelTexts) {
+  const std::pair<const char*, GLogger::LoggingLevel> rows[] = {
+      {"error", GLogger::eError}, {"WARNING", GLogger::eWarning}, {"warn", GLogger::eWarning},
+      {"Info", GLogger::eInfo},   {"debuG", GLogger::eDebug},     {"None", GLogger::eNone},
+      {"", GLogger::eUnknown},    {"verbose", GLogger::eUnknown}, {"Warn ", GLogger::eUnknown},
+  };
+  for (const auto& [text, level] : rows) EXPECT_EQ(GLogger::StringToLevel(text), level) << text;
+  EXPECT_EQ(GLogger::LevelToString(GLogger::eNone), "None");
+  EXPECT_EQ(GLogger::LevelToString(GLogger::eUnknown), "");
+}
+
+TEST_F(GLoggerTest, LevelsByIdentifierHaveNoCase) {
+  mLogger->SetLoggingLevelForIdentifier("Miscellaneous", GLogger::eDebug);
+  EXPECT_EQ(mLogger->GetLoggingLevelForIdentifier("miscellaneous"), GLogger::eDebug);
+  EXPECT_EQ(mLogger->GetLoggingLevelForIdentifier("other"), GLogger::eWarning);
+  EXPECT_TRUE(mLogger->ShouldLog("MISCELLANEOUS", GLogger::eDebug));
+
+  mLogger->SetLoggingLevelForIdentifier("mute", GLogger::eNone);
+  EXPECT_FALSE(mLogger->ShouldLog("mute", GLogger::eError));
+  mLogger->SetDefaultLoggingLevel(GLogger::eUnknown);
+  EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eError));
+  mLogger->SetDefaultLoggingLevel(GLogger::eError);
+  EXPECT_TRUE(mLogger->ShouldLog("other", GLogger::eError));
+  EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eWarning));
+  EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eNone));
+}
+
+TEST_F(GLoggerTest, TextsAroundTheBufferSizeAreWhole) {
+  for (const std::size_t length : {0, 255, 256, 257, 511, 512, 100'000, 5}) {
+    const std::string text(length, 'x');
+    mLogger->LogString("%s", text.c_str());
+    EXPECT_EQ(mLog.Lines().back(), "[2026-11-15T18:20:57.123Z]\t" + text + "\n");
+  }
+}
+
+class ChattyAppender : public GLogAppender {
+ public:
+  void Log(const std::string&) override {
+    mCount += 1;
+    GLogger::GetSharedInstance()->LogError("Chatty", "again");
+    GLogger::GetSharedInstance()->SetAppender("other", nullptr);  // refused, not waited for
+  }
+  int mCount = 0;
+};
+
+TEST_F(GLoggerTest, AppenderThatLogsIsNotRecursedInto) {
+  auto* chatty = new ChattyAppender;
+  mLogger->SetAppender("chatty", chatty);
+  mLogger->LogError("Some", "one");
+  mLogger->LogError("Some", "two");
+  EXPECT_EQ(chatty->mCount, 2);
+  EXPECT_EQ(mLog.Lines().size(), 2U);
+}
+
+TEST_F(GLoggerTest, AppendersAreReplacedAndRemoved) {
+  EXPECT_EQ(mLogger->GetAppender("default"), &mLog);
+  auto* second = new RecordingAppender;
+  mLogger->SetAppender("a second", second);
+  mLogger->LogError("Some", "both");
+  EXPECT_EQ(second->Lines(), mLog.Lines());
+  mLogger->SetAppender("a second", nullptr);
+  mLogger->SetAppender("a third", nullptr);
+  EXPECT_EQ(mLogger->GetAppender("a second"), nullptr);
+  mLogger->RemoveAllAppenders();
+  mLogger->LogError("Some", "nobody hears it");
+  EXPECT_EQ(mLogger->GetAppender("default"), nullptr);
+}
+
+TEST_F(GLoggerTest, LinesOfSeveralThreadsNeverMix) {
+  constexpr int kThreads = 4;
+  constexpr int kLines = 300;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([this, thread] {
+      const std::string padding(static_cast<std::size_t>(thread) * 200, 'x');
+      for (int line = 0; line < kLines; ++line) {
+        mLogger->LogError("Threads", "%d.%d%s", thread, line, padding.c_str());
+        mLogger->SetLoggingLevelForIdentifier("level" + std::to_string(thread), GLogger::eInfo);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  std::multiset<std::string> expected;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    for (int line = 0; line < kLines; ++line) {
+      expected.insert("[2026-11-15T18:20:57.123Z]\t[Threads]\t[Error]\t" + std::to_string(thread) +
+                      "." + std::to_string(line) +
+                      std::string(static_cast<std::size_t>(thread) * 200, 'x') + "\n");
+    }
+  }
+  EXPECT_EQ(std::multiset<std::string>(mLog.Lines().begin(), mLog.Lines().end()), expected);
+}
+
+}  // namespace

@@ -1,0 +1,265 @@
+#include "propertylist/XmlForm.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+
+#include "propertylist/FontRecord.h"
+
+namespace {
+
+using PropertyList::Array;
+using PropertyList::ArrayRef;
+using PropertyList::Data;
+using PropertyList::Dictionary;
+using PropertyList::DictionaryRef;
+using PropertyList::ReadXml;
+using PropertyList::Value;
+using PropertyList::WriteXml;
+
+constexpr const char* kHead =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+    "<plist version=\"1.0\">\n";
+
+std::string InPlist(const std::string& value) { return kHead + value + "\n</plist>\n"; }
+
+// The text of a string value inside of XML, "(none)" if the XML is refused.
+std::string ReadString(const std::string& content) {
+  const std::optional<Value> value = ReadXml(InPlist("<string>" + content + "</string>"));
+  return value && value->AsString() ? *value->AsString() : "(none)";
+}
+
+std::string Repeated(int count, const std::string& text) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+TEST(XmlForm, WritesTheKnownForm) {
+  const FontRecord record = MakeFontRecord();
+  record->Set("PostScriptName", "A<B & \"C\"");
+  record->Set("Alpha", "\xC3\xA9");
+  const FontRecordArray fonts = MakeFontRecordArray();
+  fonts->Append(record);
+  fonts->Append(MakeFontRecord());
+  EXPECT_EQ(WriteXml(fonts),
+            InPlist("<array>\n\t<dict>\n\t\t<key>PostScriptName</key>\n"
+                    "\t\t<string>A&lt;B &amp; \"C\"</string>\n\t\t<key>Alpha</key>\n"
+                    "\t\t<string>\xC3\xA9</string>\n\t</dict>\n\t<dict/>\n</array>"));
+}
+
+TEST(XmlForm, EveryKindRoundTripsByteForByte) {
+  const DictionaryRef all = Dictionary::Create();
+  all->Set("z", true);
+  all->Set("y", false);
+  all->Set("", Value(std::int64_t{INT64_MIN}));
+  all->Set("x & <x>", Value(std::int64_t{INT64_MAX}));
+  all->Set("real", 0.1);
+  all->Set("small", -1e-300);
+  all->Set("whole", 3.0);
+  all->Set("text", "  a\n\tb  ");
+  all->Set("empty", "");
+  all->Set("wide", "\xF0\x9F\x98\x80 ]]> 'q'");
+  all->Set("data", Data{0, 255, 7, 9});
+  all->Set("long", Data(1000, 0x5A));
+  all->Set("no data", Data());
+  all->Set("array", Array::Create());
+  all->Set("record", Dictionary::Create());
+  const std::optional<std::string> xml = WriteXml(all);
+  ASSERT_TRUE(xml);
+  const std::optional<Value> read = ReadXml(*xml);
+  ASSERT_TRUE(read);
+  EXPECT_TRUE(read->Equals(all)) << *xml;
+  EXPECT_EQ(WriteXml(*read), xml);
+  EXPECT_EQ(ReadXml("\xEF\xBB\xBF" + *xml)->Equals(all), true);
+}
+
+TEST(XmlForm, ManyKeysStayInOrder) {
+  const DictionaryRef record = Dictionary::Create();
+  for (int i = 0; i < 2000; ++i) record->Set("key" + std::to_string(i * 7919 % 2000), i);
+  const std::optional<Value> read = ReadXml(WriteXml(record).value());
+  ASSERT_TRUE(read && read->AsDictionary());
+  EXPECT_EQ(read->AsDictionary()->Entries()[1999].first, record->Entries()[1999].first);
+  EXPECT_EQ(read->AsDictionary()->Entries()[3].first, "key1757");  // 3 * 7919 mod 2000
+  EXPECT_TRUE(read->Equals(record));
+}
+
+TEST(XmlForm, ReadsWhatOthersWrite) {
+  EXPECT_EQ(ReadString("&amp;&lt;&gt;&apos;&quot;&#65;&#x20AC;&#x1F600;x"),
+            "&<>'\"A\xE2\x82\xAC\xF0\x9F\x98\x80x");
+  EXPECT_EQ(ReadString("&amp;lt;"), "&lt;");
+  EXPECT_EQ(ReadString("a<![CDATA[<b>&amp;]]>c"), "a<b>&amp;c");
+  EXPECT_EQ(*ReadXml("<string>bare</string>")->AsString(), "bare");
+  EXPECT_EQ(*ReadXml("<plist><string/></plist> <!-- </plist> -->")->AsString(), "");
+  EXPECT_EQ(*ReadXml("<plist>\n<integer> -42 </integer></plist>")->AsInteger(), -42);
+  EXPECT_EQ(*ReadXml("<plist><real>+2.5e3</real></plist>")->AsReal(), 2500.0);
+  EXPECT_EQ(*ReadXml("<plist><data>\n QUJ\n\tD </data></plist>")->AsData(), (Data{'A', 'B', 'C'}));
+  const Value record = *ReadXml(
+      "<plist><dict><!-- <dict> --><key>a</key><true/><key>a</key><string>2</string>"
+      "</dict ></plist>");
+  EXPECT_EQ(record.AsDictionary()->Count(), 1U);
+  EXPECT_EQ(*record.AsDictionary()->GetString("a"), "2");
+  const Value uid = *ReadXml("<dict><key>CF$UID</key><integer>3</integer></dict>");
+  EXPECT_EQ(*uid.AsDictionary()->Find("CF$UID")->AsInteger(), 3);
+}
+
+TEST(XmlForm, RefusesWhatIsNoPropertyList) {
+  const std::string bad[] = {
+      "",
+      "text",
+      "<plist></plist>",
+      "<plist/>",
+      "<plist><true/>",
+      "<plist><true/><true/></plist>",
+      "<true/><true/>",
+      "<plist><true/></plist><plist><true/></plist>",
+      "<plist><true/></plist>tail",
+      "<plist><true/></plist></plist>",
+      "<plist><plist><true/></plist></plist>",
+      "<array><plist><true/></plist></array>",
+      "<dict><key>a</key></dict>",
+      "<dict><string>a</string></dict>",
+      "<dict><key>a</key><key>b</key><true/></dict>",
+      "<dict><key>a</key><true/><true/></dict>",
+      "<array><key>a</key></array>",
+      "<key>a</key>",
+      "<array>text</array>",
+      "<array><true/></dict>",
+      "<array><true/>",
+      "</array>",
+      "<true>x</true>",
+      "<unknown/>",
+      "<set></set>",
+      "<date>2024-01-02T03:04:05Z</date>",
+      "<integer>12x</integer>",
+      "<integer/>",
+      "<integer>010</integer>",
+      "<integer>+-1</integer>",
+      "<integer>9223372036854775808</integer>",
+      "<real>x</real>",
+      "<real>+-1.5</real>",
+      "<real/>",
+      "<real>1,5</real>",
+      "<data>Q</data>",
+      "<data>QU=D</data>",
+      "<data>Q!JD</data>",
+      "<string>a<true/></string>",
+      "<string>a<!-- x --></string>",
+      "<string>a",
+      "<string>a</string",
+      "<string>a</key>",
+      "<string>&unknown;</string>",
+      "<string>&amp</string>",
+      "<string>&ampx;</string>",
+      "<string>&;</string>",
+      "<string>a&</string>",
+      "<string>&#0;</string>",
+      "<string>&#x1;</string>",
+      "<string>&#xD800;</string>",
+      "<string>&#x110000;</string>",
+      "<string>&#-1;</string>",
+      "<string>&#;</string>",
+      "<string><![CDATA[x</string>",
+      "<string a=\">\">x</string>",
+      "<string a=\"x>y</string>",
+      "<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><true/></plist>",
+      "<!-- <true/>",
+      "<?xml <true/>",
+      "<",
+      "<string>\xC3(</string>",
+      "<string>\x01</string>",
+      std::string("<string>\0</string>", 18),
+  };
+  for (const std::string& xml : bad) EXPECT_FALSE(ReadXml(xml)) << xml;
+}
+
+TEST(XmlForm, EveryTruncationIsRefused) {
+  const std::string xml =
+      InPlist("<array>\n<dict><key>a</key><string>b&amp;</string></dict><data>QUJD</data></array>");
+  const std::size_t end = xml.rfind('>') + 1;
+  for (std::size_t length = 0; length < end; ++length) {
+    EXPECT_FALSE(ReadXml(std::string_view(xml).substr(0, length))) << length;
+  }
+  EXPECT_TRUE(ReadXml(std::string_view(xml).substr(0, end)));
+}
+
+TEST(XmlForm, DepthIsBounded) {
+  const auto nested = [](int depth) {
+    return Repeated(depth, "<array>") + Repeated(depth, "</array>");
+  };
+  EXPECT_TRUE(ReadXml(nested(64)));
+  EXPECT_FALSE(ReadXml(nested(65)));
+  EXPECT_FALSE(ReadXml(Repeated(1'000'000, "<array>")));
+  EXPECT_FALSE(ReadXml(Repeated(200'000, "<dict><key>a</key>")));
+  EXPECT_FALSE(ReadXml(Repeated(200'000, "<array><!-- </array> -->")));
+
+  Value value = Array::Create();
+  for (int depth = 1; depth < 64; ++depth) {
+    const ArrayRef outer = Array::Create();
+    outer->Append(value);
+    value = outer;
+  }
+  EXPECT_TRUE(WriteXml(value));
+  const ArrayRef tooDeep = Array::Create();
+  tooDeep->Append(value);
+  EXPECT_FALSE(WriteXml(tooDeep));
+  const ArrayRef snake = Array::Create();
+  snake->Append(snake);
+  EXPECT_FALSE(WriteXml(snake));
+  snake->Clear();
+}
+
+TEST(XmlForm, NumberOfValuesIsBounded) {
+  EXPECT_FALSE(ReadXml("<array>" + Repeated(1 << 20, "<true/>") + "</array>"));
+  // Thirty doublings: small in memory, a thousand million values in XML.
+  Value value = "x";
+  for (int i = 0; i < 30; ++i) {
+    const ArrayRef twice = Array::Create();
+    twice->Append(value);
+    twice->Append(value);
+    value = twice;
+  }
+  EXPECT_FALSE(WriteXml(value));
+}
+
+TEST(XmlForm, NumberOfKeysIsBounded) {
+  std::string xml = "<dict>";
+  for (int i = 0; i <= 1 << 16; ++i) xml += "<key>" + std::to_string(i) + "</key><true/>";
+  EXPECT_FALSE(ReadXml(xml + "</dict>"));
+}
+
+TEST(XmlForm, EntitiesAreBounded) {
+  EXPECT_EQ(ReadString(Repeated(10'000, "&lt;")), std::string(10'000, '<'));
+  EXPECT_EQ(ReadString(Repeated(1'000'000, "&lt;")), "(none)");
+}
+
+TEST(XmlForm, RefusesToWriteWhatXmlCantHold) {
+  const std::string bad[] = {"\xC3(", "\x01", std::string("a\0b", 3), "\xEF\xBF\xBE",
+                             "\xED\xA0\x80"};
+  for (const std::string& text : bad) {
+    EXPECT_FALSE(WriteXml(text)) << testing::PrintToString(text);
+    const DictionaryRef record = Dictionary::Create();
+    record->Set(text, 1);
+    EXPECT_FALSE(WriteXml(record));
+  }
+  EXPECT_FALSE(WriteXml(Value()));
+  const ArrayRef array = Array::Create();
+  array->Append(Value());
+  EXPECT_FALSE(WriteXml(array));
+}
+
+TEST(XmlForm, RealsDoNotFollowTheLocale) {
+  for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "de_DE.utf8"}) {
+    if (std::setlocale(LC_NUMERIC, name) != nullptr) break;
+  }
+  const std::optional<std::string> xml = WriteXml(1.5);
+  const std::optional<Value> value = ReadXml("<plist><real>1.5</real></plist>");
+  std::setlocale(LC_NUMERIC, "C");
+  EXPECT_EQ(xml, InPlist("<real>1.5</real>"));
+  EXPECT_EQ(*value.value().AsReal(), 1.5);
+}
+
+}  // namespace

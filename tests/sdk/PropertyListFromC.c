@@ -1,0 +1,24 @@
+#include "tests/sdk/PropertyListFromC.h"
+
+PLArrayRef MakeFontsInC(void) {
+  PLArrayRef names = PLArrayCreate();
+  PLArrayAppendString(names, "one\0two", 7);
+  PLArrayAppendInteger(names, -5);
+
+  PLDictionaryRef inner = PLDictionaryCreate();
+  PLDictionarySetReal(inner, "size", 1.5);
+
+  PLDictionaryRef record = PLDictionaryCreate();
+  PLDictionarySetString(record, "name", "Alpha", 5);
+  PLDictionarySetBool(record, "flag", true);
+  PLDictionarySetInteger(record, "number", INT64_MIN);
+  PLDictionarySetArray(record, "names", names);
+  PLDictionarySetDictionary(record, "inner", inner);
+  PLArrayRelease(names);
+  PLDictionaryRelease(inner);
+
+  PLArrayRef fonts = PLArrayCreate();
+  PLArrayAppendDictionary(fonts, record);
+  PLDictionaryRelease(record);
+  return fonts;
+}

@@ -1,0 +1,18 @@
+/* What a plain C caller of the border does with a record; PropertyListFromC.c. */
+#ifndef TESTS_SDK_PROPERTY_LIST_FROM_C_H
+#define TESTS_SDK_PROPERTY_LIST_FROM_C_H
+
+#include "sdk/PropertyList.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* An array of one record with a value of every kind that crosses; the caller has its one count. */
+PLArrayRef MakeFontsInC(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
