@@ -51,6 +51,15 @@ AgentCommands::ScanAnswer AnswerTo(GDBusMethodInvocation* invocation) {
   };
 }
 
+// The same for an answer of words alone.
+AgentCommands::ScanAnswer MessageTo(GDBusMethodInvocation* invocation) {
+  return [invocation](const AgentCommands::ScanReply& reply) {
+    if (reply.refused) return Refuse(invocation, G_DBUS_ERROR_FAILED, reply.message);
+    g_dbus_method_invocation_return_value(invocation,
+                                          g_variant_new("(s)", ValidText(reply.message).c_str()));
+  };
+}
+
 }  // namespace
 
 AgentServer::~AgentServer() { Close(); }
@@ -107,12 +116,7 @@ void AgentServer::OnCall(GDBusConnection* connection, const gchar*, const gchar*
                               AnswerTo(invocation));
   }
   if (method == "RemoveFolder") {
-    return commands.RemoveFolder(
-        BytesOf(Child(arguments, 0).get()), [invocation](const AgentCommands::ScanReply& reply) {
-          if (reply.refused) return Refuse(invocation, G_DBUS_ERROR_FAILED, reply.message);
-          g_dbus_method_invocation_return_value(
-              invocation, g_variant_new("(s)", ValidText(reply.message).c_str()));
-        });
+    return commands.RemoveFolder(BytesOf(Child(arguments, 0).get()), MessageTo(invocation));
   }
   if (method == "Rescan") {
     return commands.Rescan(connection, Number(arguments, 0), AnswerTo(invocation));

@@ -159,6 +159,13 @@ std::string AddFace(FT_Library library, FT_Face face, FontFileInfo& file) {
   return {};
 }
 
+std::string Reason(FT_Error failure, const FontStream& stream) {
+  if (stream.IsBudgetSpent()) return "takes too long to read";
+  // FreeType's own texts may be left out of its build.
+  const char* text = FT_Error_String(failure);
+  return text != nullptr ? text : "damaged font (" + std::to_string(failure) + ")";
+}
+
 }  // namespace
 
 struct FontFileReader::Library {
@@ -196,10 +203,7 @@ FontFileInfo FontFileReader::Read(const std::string& path) {
     const FT_Error failure = FT_Open_Face(mLibrary->library, &arguments, index, &opened);
     const FaceOwner face(opened);
     if (failure != 0) {
-      const char* text = FT_Error_String(failure);
-      file.error = stream->IsBudgetSpent() ? "takes too long to read"
-                   : text != nullptr       ? text
-                                           : "damaged font (" + std::to_string(failure) + ")";
+      file.error = Reason(failure, *stream);
       if (index == 0) return file;
       continue;
     }

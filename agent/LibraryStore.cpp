@@ -63,13 +63,12 @@ bool LibraryStore::WriteFile(const ScannedFile& scanned, std::int64_t folder) {
   const bool broken = !scanned.info.error.empty();
   const std::optional<std::string> error =
       broken ? std::optional(scanned.info.error) : std::nullopt;
-  const std::optional<std::int64_t> folderID = folder != 0 ? std::optional(folder) : std::nullopt;
   auto query = mDatabase->Ask(
       "INSERT INTO files (workgroup_id, folder_id, path, name, size, mtime_ns, missing, error) "
-      "VALUES (?, ?, ?, ?, ?, ?, 0, ?) ON CONFLICT (path) DO UPDATE SET workgroup_id = "
+      "VALUES (?, nullif(?, 0), ?, ?, ?, ?, 0, ?) ON CONFLICT (path) DO UPDATE SET workgroup_id = "
       "excluded.workgroup_id, folder_id = excluded.folder_id, size = excluded.size, mtime_ns = "
       "excluded.mtime_ns, missing = 0, error = excluded.error RETURNING id",
-      folder != 0 ? kPersonalWorkgroupID : kSystemWorkgroupID, folderID, Blob{file.path},
+      folder != 0 ? kPersonalWorkgroupID : kSystemWorkgroupID, folder, Blob{file.path},
       Blob{LastComponent(file.path)}, file.size, file.modifiedNs, error);
   if (!query.Next()) return false;
   const std::int64_t id = query.Integer(0);
