@@ -79,8 +79,7 @@ class AgentConversation : public testing::Test {
 
 TEST_F(AgentConversation, SendsCommandsAndFillsListsWithinTheirCapacity) {
   FakeAgent agent;
-  agent.failed = {3, 4, 5};
-  agent.restricted = {2};
+  agent.SetAnswers({.failed = {3, 4, 5}, .restricted = {2}, .refuses = false});
   EXPECT_EQ(facade.InitThreadInstance(instance), 0u);
   std::int32_t running = 0;
   EXPECT_EQ(facade.GetIsCoreAgentProcessRunning(instance, &running), 0u);
@@ -99,7 +98,7 @@ TEST_F(AgentConversation, SendsCommandsAndFillsListsWithinTheirCapacity) {
 
 TEST_F(AgentConversation, TellsRefusedFromGoneAndFindsANewAgent) {
   auto agent = std::make_unique<FakeAgent>();
-  agent->refuses = true;
+  agent->SetAnswers({.failed = {}, .restricted = {}, .refuses = true});
   IDs failed, second;
   EXPECT_EQ(Activate({1}, 1, failed, second), CoreErrorCodes::kError);
   agent.reset();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <stdexcept>
+#include <utility>
 
 #include "agent/library/AgentInterface.h"
 #include "agent/library/Paths.h"
@@ -76,21 +77,24 @@ void FakeAgent::OnCall(GDBusConnection*, const gchar*, const gchar*, const gchar
                        gpointer self) {
   auto* const agent = static_cast<FakeAgent*>(self);
   const std::string_view name(method);
-  {
-    const std::lock_guard lock(agent->mMutex);
-    agent->mCalls.push_back(Describe(method, arguments));
-  }
+  const std::lock_guard lock(agent->mMutex);
+  agent->mCalls.push_back(Describe(method, arguments));
   if (name == "Hello") {
     g_dbus_method_invocation_return_value(invocation, g_variant_new("(xsi)", gint64{1}, "1", 1));
-  } else if (agent->refuses) {
+  } else if (agent->mAnswers.refuses) {
     g_dbus_method_invocation_return_dbus_error(invocation, "com.vendrel.Nodrix.Refused", "no");
   } else if (name == "Activate") {
-    g_dbus_method_invocation_return_value(
-        invocation,
-        g_variant_new("(@au@au@au)", IDs(agent->failed), IDs(agent->restricted), IDs({})));
+    g_dbus_method_invocation_return_value(invocation,
+                                          g_variant_new("(@au@au@au)", IDs(agent->mAnswers.failed),
+                                                        IDs(agent->mAnswers.restricted), IDs({})));
   } else {
     g_dbus_method_invocation_return_value(invocation, nullptr);
   }
+}
+
+void FakeAgent::SetAnswers(Answers answers) {
+  const std::lock_guard lock(mMutex);
+  mAnswers = std::move(answers);
 }
 
 void FakeAgent::Emit(const char* signal, const std::vector<std::uint32_t>& fonts) {

@@ -25,10 +25,13 @@ class FakeAgent {
   void AwaitClients(std::size_t count);
   std::vector<std::string> Calls();
 
-  // What the next commands answer; set before they are sent.
-  std::vector<std::uint32_t> failed;
-  std::vector<std::uint32_t> restricted;
-  bool refuses = false;
+  // What the next commands answer.
+  struct Answers {
+    std::vector<std::uint32_t> failed;
+    std::vector<std::uint32_t> restricted;
+    bool refuses = false;
+  };
+  void SetAnswers(Answers answers);
 
  private:
   static gboolean OnClient(GDBusServer*, GDBusConnection* client, gpointer self);
@@ -40,8 +43,9 @@ class FakeAgent {
   GMainContext* mContext = g_main_context_new();
   GMainLoop* mLoop = g_main_loop_new(mContext, FALSE);
   GDBusServer* mServer = nullptr;
-  std::mutex mMutex;  // guards the next two
+  std::mutex mMutex;  // guards the next three
   std::vector<GDBusConnection*> mClients;
   std::vector<std::string> mCalls;
+  Answers mAnswers;
   std::thread mThread;
 };
