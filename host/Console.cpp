@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "foundation/WallClock.h"
@@ -67,6 +68,7 @@ Console::Console()
 
 Console::~Console() {
   if (mOutput >= 0) {
+    std::fflush(stdout);  // what others printed goes away with the descriptor
     dup2(mOutput, STDOUT_FILENO);
     close(mOutput);
   }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Eventually.h"
 #include "support/RunProgram.h"
 #include "support/ScratchHome.h"
 

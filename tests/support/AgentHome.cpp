@@ -71,14 +71,3 @@ std::uint32_t AgentHome::FontID(const std::string& postScriptName) {
 std::string AgentHome::MatchedFile(const std::string& postScriptName) const {
   return OutputOf({"/usr/bin/fc-match", "-f", "%{file}", ":postscriptname=" + postScriptName});
 }
-
-bool Eventually(const std::function<bool()>& condition) {
-  const gint64 end = g_get_monotonic_time() + 30 * G_USEC_PER_SEC;
-  while (!condition()) {
-    if (g_get_monotonic_time() > end) return false;
-    while (g_main_context_iteration(nullptr, FALSE)) {
-    }
-    g_usleep(10'000);
-  }
-  return true;
-}

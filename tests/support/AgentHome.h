@@ -3,13 +3,13 @@
 // touched.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
 #include "agent/library/AgentClient.h"
 #include "agent/library/LibraryReader.h"
 #include "support/ChildProcess.h"
+#include "support/Eventually.h"
 #include "support/ScratchHome.h"
 
 class AgentHome {
@@ -41,7 +41,3 @@ class AgentHome {
   ScratchHome mHome;
   std::unique_ptr<ChildProcess> mAgent;
 };
-
-// Waits for something that comes in its own time; false after half a minute. Turns the default main
-// context meanwhile.
-bool Eventually(const std::function<bool()>& condition);

@@ -1,5 +1,5 @@
-// A plug-in that knows who it is, in a home and on a platform of its own: as much as the rooms below
-// the font manager need. No facade and no dialog framework are found.
+// A plug-in that knows who it is, in a home and on a platform of its own: as much as the rooms
+// below the font manager need. No facade and no dialog framework are found.
 #pragma once
 
 #include "state/KestraneGlobals.h"

@@ -127,12 +127,3 @@ ProgramResult Program::Wait() {
 ProgramResult RunProgram(const std::vector<std::string>& arguments, const std::string& input) {
   return Program(arguments, {input, false}).Wait();
 }
-
-bool Eventually(const std::function<bool()>& question) {
-  const auto bound = Clock::now() + kOutputBound;
-  while (!question()) {
-    if (Clock::now() > bound) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return true;
-}

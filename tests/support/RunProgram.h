@@ -3,7 +3,6 @@
 
 #include <sys/types.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -46,6 +45,3 @@ class Program {
 };
 
 ProgramResult RunProgram(const std::vector<std::string>& arguments, const std::string& input = {});
-
-// Asks again and again, for up to 30 seconds, until the answer is yes.
-bool Eventually(const std::function<bool()>& question);
