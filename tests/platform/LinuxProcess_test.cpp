@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "platform/VendrelFileUtils.h"
+#include "support/Eventually.h"
 #include "support/RunProgram.h"
 #include "support/ScratchHome.h"
 
