@@ -21,6 +21,11 @@ extern "C" {
 /* The version that TarnIsVersionCompatible is asked for. */
 #define kTarnVersion "1.0"
 
+/* The last of the defaults that a plug-in writes at its first start. Preferences exist once it is
+ * there: what is stored earlier in that start (the workgroup in use) does not count, and a first
+ * start that was cut short is made up for by the next. */
+#define kTarnLastDefaultPreference "DropDownSelection"
+
 /* Keys of the host details. */
 #define kTarnHostApp "HostApp"
 #define kTarnPluginVersion "PluginVersion"

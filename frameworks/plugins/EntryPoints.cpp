@@ -70,7 +70,8 @@ void TarnSetStringPreferenceForKey(const char* key, const char* value) {
 }
 
 bool TarnDoPreferencesExist(void) {
-  return BehindWall(false, [] { return PreferenceStore::Shared().HasAny(); });
+  return BehindWall(
+      false, [] { return PreferenceStore::Shared().Get(kTarnLastDefaultPreference).has_value(); });
 }
 
 void TarnShowAboutBox(void) {

@@ -95,14 +95,6 @@ PreferenceStore& PreferenceStore::Shared() {
   return **store;
 }
 
-bool PreferenceStore::HasAny() {
-  Refresh();
-  gsize count = 0;
-  const std::unique_ptr<char*, decltype(&g_strfreev)> keys(
-      g_key_file_get_keys(mFile.get(), kGroup, &count, nullptr), g_strfreev);
-  return count > 0;
-}
-
 std::optional<std::string> PreferenceStore::Get(const char* key) {
   if (!IsUsableKey(key)) return std::nullopt;
   Refresh();

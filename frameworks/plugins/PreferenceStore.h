@@ -25,7 +25,6 @@ class PreferenceStore {
   // Of this process, in the folder that the environment names at this moment. Lent until then.
   static PreferenceStore& Shared();
 
-  bool HasAny();
   // Nothing if it was never set. A key that a key file can't hold is never set.
   std::optional<std::string> Get(const char* key);
   // A number, 0 if it is none or was never set; cut to the type.

@@ -1,21 +1,21 @@
+#include <variant>
+
 #include "dialogs/TarnInterface.h"
 #include "photoshop/CommonStartup.h"
+#define TARN_NO_PROTOTYPES
+#include "sdk/Tarn.h"
 #include "state/KestraneGlobals.h"
 
 namespace CommonFunctionality {
 namespace {
 
-struct FlagDefault {
+struct Default {
   const char* key;
-  bool value;
+  std::variant<bool, long> value;
 };
 
-struct NumberDefault {
-  const char* key;
-  long value;
-};
-
-constexpr FlagDefault kFlagDefaults[] = {
+// Written in this order; the last one tells that all are there.
+constexpr Default kDefaults[] = {
     {kEnablePluginPrefKey, true},
     {kEnableFaceprintPrefKey, true},
     {kSuppressHostAppDialogsPrefKey, true},
@@ -25,20 +25,22 @@ constexpr FlagDefault kFlagDefaults[] = {
     {kCloseFontsOnHostAppQuitPrefKey, true},
     {kCloseFontsOnDocClosePrefKey, false},
     {kActivateEntireFamiliesPrefKey, false},
-    {"DropDownSelection", false},
+    {"CS5PanelWidth", 260L},  // pixels
+    {"CS5PanelHeight", 350L},
+    {kTarnLastDefaultPreference, false},
 };
-
-// Pixels.
-constexpr NumberDefault kNumberDefaults[] = {{"CS5PanelWidth", 260}, {"CS5PanelHeight", 350}};
 
 }  // namespace
 
 bool InitializeCommonPreferences() {
   TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
   if (!tarn || tarn->DoPreferencesExist()) return false;
-  for (const FlagDefault& entry : kFlagDefaults) tarn->SetPreferenceForKey(entry.key, entry.value);
-  for (const NumberDefault& entry : kNumberDefaults) {
-    tarn->SetLongPreferenceForKey(entry.key, entry.value);
+  for (const Default& entry : kDefaults) {
+    if (const bool* flag = std::get_if<bool>(&entry.value)) {
+      tarn->SetPreferenceForKey(entry.key, *flag);
+    } else {
+      tarn->SetLongPreferenceForKey(entry.key, std::get<long>(entry.value));
+    }
   }
   return true;
 }

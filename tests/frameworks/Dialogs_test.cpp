@@ -172,6 +172,8 @@ TEST_F(Dialogs, KeepsPreferencesForTheNextProcess) {
               return 0;
             }),
             0);
+  EXPECT_FALSE(tarn.TarnDoPreferencesExist()) << "the defaults are not whole yet";
+  tarn.TarnSetPreferenceForKey(kTarnLastDefaultPreference, 0);
   EXPECT_TRUE(tarn.TarnDoPreferencesExist());
   EXPECT_EQ(tarn.TarnGetPreferenceForKey("EnablePlugin"), 1);
   EXPECT_EQ(tarn.TarnGetLongPreferenceForKey("EnablePlugin"), 1);
