@@ -76,6 +76,7 @@ void CommandEnded(GObject* source, GAsyncResult* result, gpointer data) {
 // can't be started.
 int RunCommand(Console& console, const std::vector<std::string>& command) {
   std::vector<const char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) arguments.push_back(argument.c_str());
   arguments.push_back(nullptr);
   GSubprocessLauncher* launcher = g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_STDIN_INHERIT);
