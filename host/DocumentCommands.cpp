@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "foundation/GString.h"
 #include "host/Commands.h"
 #include "host/Interruption.h"
 #include "host/PluginSession.h"
@@ -30,6 +31,14 @@ std::vector<DocumentFonts> ReadAll(Console& console, const std::vector<std::stri
   }
   console.EndProgress();
   return documents;
+}
+
+// Documents have text for names in the host's model: other bytes lead nowhere there.
+void RefuseNameThatIsNoText(Console& console, DocumentFonts& document, int& exitCode) {
+  if (!document.error.empty() || GString::IsValidUtf8(document.path)) return;
+  document.error = "can't be opened under a name that is no UTF-8";
+  console.Error(Printable(document.document) + ": " + document.error);
+  exitCode = kExitDocument;
 }
 
 int Interrupted(int exitCode) {
@@ -139,7 +148,7 @@ int Commands::Check(Console& console, const std::vector<std::string>& files, boo
   const std::vector<DocumentFonts> documents = ReadAll(console, files, exitCode);
   std::vector<FontReport> reports;
   if (AnyReadable(documents) && Interruption::Signal() == 0) {
-    PluginSession session(console);
+    PluginSession session;
     std::string error;
     if (!session.Start(error)) {
       if (Interruption::Signal() != 0) return Interrupted(exitCode);
@@ -161,14 +170,15 @@ int Commands::Open(Console& console, const std::vector<std::string>& files,
                    const std::vector<std::string>& command, bool json) {
   const Interruption interruption;
   int exitCode = kExitOk;
-  const std::vector<DocumentFonts> documents = ReadAll(console, files, exitCode);
+  std::vector<DocumentFonts> documents = ReadAll(console, files, exitCode);
+  for (DocumentFonts& document : documents) RefuseNameThatIsNoText(console, document, exitCode);
   std::vector<FontReport> reports;
   if (!AnyReadable(documents) || Interruption::Signal() != 0) {
     for (const DocumentFonts& document : documents) reports.push_back({document, {}});
     PrintReports(console, reports, json);
     return Interrupted(exitCode);
   }
-  PluginSession session(console);
+  PluginSession session;
   std::string error;
   if (!session.Start(error)) {
     if (Interruption::Signal() != 0) return Interrupted(exitCode);

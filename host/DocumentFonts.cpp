@@ -31,18 +31,21 @@ bool IsSameContent(const struct stat& a, const struct stat& b) {
          a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
-FontRecordArray ScanNames(const std::string& path) {
-  const bool isPhotoshop = CommonFunctionality::FileExtensionIs(path.c_str(), ".psd") ||
-                           CommonFunctionality::FileExtensionIs(path.c_str(), ".psb");
+bool IsPhotoshopDocument(const std::string& path) {
+  return CommonFunctionality::FileExtensionIs(path.c_str(), ".psd") ||
+         CommonFunctionality::FileExtensionIs(path.c_str(), ".psb");
+}
+
+FontRecordArray ScanNames(const std::string& path, bool& readAsHost) {
   FontRecordArray fonts;
-  if (isPhotoshop) PSGetDocumentFonts(&fonts, path, false);
-  if (CountOf(fonts) == 0) {
-    std::vector<std::string> names;
-    CommonFunctionality::GetFontNamesFromNonXMPSectionOfAdobeDocument(path.c_str(), names);
-    fonts = MakeFontRecordArray();
-    for (const std::string& name : names) {
-      FaceprintSupport::AddFontToArray(name.c_str(), fonts, false);
-    }
+  if (IsPhotoshopDocument(path)) PSGetDocumentFonts(&fonts, path, false);
+  readAsHost = CountOf(fonts) > 0;
+  if (readAsHost) return fonts;
+  std::vector<std::string> names;
+  CommonFunctionality::GetFontNamesFromNonXMPSectionOfAdobeDocument(path.c_str(), names);
+  fonts = MakeFontRecordArray();
+  for (const std::string& name : names) {
+    FaceprintSupport::AddFontToArray(name.c_str(), fonts, false);
   }
   return fonts;
 }
@@ -57,7 +60,7 @@ DocumentFonts ReadDocumentFonts(const std::string& document) {
   struct stat before;
   result.error = WhyUnreadable(result.path, before);
   if (!result.error.empty()) return result;
-  const FontRecordArray fonts = ScanNames(result.path);
+  const FontRecordArray fonts = ScanNames(result.path, result.readAsHost);
   struct stat after;
   result.error = WhyUnreadable(result.path, after);
   if (result.error.empty() && !IsSameContent(before, after)) {

@@ -14,6 +14,7 @@ struct DocumentFonts {
   std::string path;      // absolute
   std::string error;     // why the document can't be read; empty if it can
   std::vector<DocumentFont> fonts;
+  bool readAsHost = false;  // the names are those that the host itself finds when it opens the file
 };
 
 // Reads what the file's bytes name: a Photoshop document as that host decodes it, every other file

@@ -95,7 +95,8 @@ FontReport CheckDocument(DocumentFonts document) {
       records, matched, problem, tarn->GetEnabledFaceprint(), tarn->GetPickBestMatch(),
       manager->GetCurrentWorkgroupID(), nullptr);
   FontRecordArray readByHost;
-  PSGetDocumentFonts(&readByHost, report.document.path, false);
+  const bool isRead = report.document.readAsHost;
+  if (!isRead) PSGetDocumentFonts(&readByHost, report.document.path, false);
   for (std::size_t i = 0; i < records->Count(); ++i) {
     const FontRecord record = records->DictionaryAt(i);
     const std::string name = RecordString(record, kFP_PostScriptNameKey);
@@ -103,7 +104,8 @@ FontReport CheckDocument(DocumentFonts document) {
     font.font = {name, SourcesOf(report.document, name)};
     font.status = StatusOf(record, matched, problem);
     font.match = record->GetDictionary(kFP_MatchedFontKey);
-    if (!FaceprintSupport::DoesArrayContainFontWithPostScriptName(readByHost, name.c_str())) {
+    if (!isRead &&
+        !FaceprintSupport::DoesArrayContainFontWithPostScriptName(readByHost, name.c_str())) {
       font.note = kNotReadNote;
     } else if (font.status == FontStatus::eMissing && name.starts_with(kDefaultFontPrefix)) {
       font.note = kDefaultFontNote;

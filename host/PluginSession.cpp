@@ -8,13 +8,17 @@
 #include "platform/Platform.h"
 #include "state/KestraneGlobals.h"
 
-namespace {
+PluginSession::PluginSession() : mHost(HostOptions()) {
+  SetRetryInterrupted([] { return Interruption::Signal() != 0; });
+}
 
-PluginHost::Options HostOptions() {
+// Nobody sees this host's windows; they are ordered for the plug-in to step in.
+PluginHost::Options PluginSession::HostOptions() {
   PluginHost::Options options;
-  options.findMissingFonts = [](const std::string& path) {
+  options.findMissingFonts = [this](const std::string&) {
     std::vector<std::string> missing;
-    for (const DocumentFont& font : ReadDocumentFonts(path).fonts) {
+    if (mOpening == nullptr) return missing;
+    for (const DocumentFont& font : mOpening->fonts) {
       if (!Platform::Current().GetFontLookup().IsVisible(font.postScriptName)) {
         missing.push_back(font.postScriptName);
       }
@@ -22,12 +26,6 @@ PluginHost::Options HostOptions() {
     return missing;
   };
   return options;
-}
-
-}  // namespace
-
-PluginSession::PluginSession(Console& console) : mConsole(console), mHost(HostOptions()) {
-  SetRetryInterrupted([] { return Interruption::Signal() != 0; });
 }
 
 PluginSession::~PluginSession() { End(); }
@@ -49,7 +47,9 @@ bool PluginSession::Start(std::string& error) {
 
 FontReport PluginSession::Open(DocumentFonts document) {
   FontReport report = CheckDocument(std::move(document));
+  mOpening = &report.document;
   mHost.OpenDocument(report.document.path);
+  mOpening = nullptr;
   mDeclared.emplace_back(report.document.path, report.MatchedIDs());
   DeclareDocuments();
   UpdateAfterOpen(report, ActivePaths());

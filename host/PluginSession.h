@@ -8,13 +8,12 @@
 #include <vector>
 
 #include "agent/library/AgentClient.h"
-#include "host/Console.h"
 #include "host/FontReport.h"
 #include "host/PluginHost.h"
 
 class PluginSession {
  public:
-  explicit PluginSession(Console& console);
+  PluginSession();
   // Closes what is open and shuts the plug-in down.
   ~PluginSession();
   PluginSession(const PluginSession&) = delete;
@@ -32,12 +31,13 @@ class PluginSession {
   bool AgentIsThere() const { return mAgent && mAgent->IsConnected(); }
 
  private:
+  PluginHost::Options HostOptions();
   std::map<std::uint32_t, std::string> ActivePaths();
   void DeclareDocuments();
   void End();
 
-  Console& mConsole;
   PluginHost mHost;
+  const DocumentFonts* mOpening = nullptr;  // the document that Open is about
   std::unique_ptr<Nodrix::AgentClient> mAgent;
   std::vector<std::pair<std::string, std::vector<std::uint32_t>>> mDeclared;
   bool mStarted = false;

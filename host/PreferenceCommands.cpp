@@ -92,7 +92,7 @@ int Commands::Preferences(Console& console, const std::string& key, const std::s
     console.Error(Printable(key) + " is no preference; `kestrane preferences` lists them");
     return kExitUsage;
   }
-  PluginSession session(console);
+  PluginSession session;
   std::string error;
   if (!session.Load(error)) {
     console.Error(error);

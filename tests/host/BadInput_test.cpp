@@ -73,6 +73,9 @@ TEST_F(BadInputTest, NamesThatAreNoText) {
   EXPECT_EQ(json.exitCode, 0);
   const auto report = nlohmann::json::parse(json.output);
   EXPECT_EQ(report[0]["fonts"][0]["postScriptName"], "A-Font");
+  const ProgramResult open = Run({"open", path, "--", "true"});
+  EXPECT_EQ(open.exitCode, 3);
+  EXPECT_EQ(CountLines(open.error), 1) << open.error;
 }
 
 TEST_F(BadInputTest, Usage) {
