@@ -120,7 +120,7 @@ const Start kStarts[] = {
      true,
      false,
      false,
-     {""},
+     {"-"},
      {"in use: /home/x/Fonts.vault"},
      "GLarkspurSdk::Initialize FAILED, error code = 33562632 (GLarkspurSdk::kVaultInUse)."},
     {"vault in use, older",
@@ -128,7 +128,7 @@ const Start kStarts[] = {
      true,
      false,
      false,
-     {""},
+     {"-"},
      {"in use: /home/x/Fonts.vault"},
      "Disabling plug-in services in CoreAgentInterface::InitializeCoreAgent() because of SDK "
      "initialization error 33583112."},
@@ -137,7 +137,7 @@ const Start kStarts[] = {
      true,
      false,
      false,
-     {""},
+     {"-"},
      {"not open: /home/x/Fonts.vault"},
      "GLarkspurSdk::Initialize FAILED, error code = 77."},
 };
