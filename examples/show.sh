@@ -16,9 +16,11 @@ show() {
   say "\$ kestrane ${*/#$examples\//}"
   "$kestrane" "$@"
 }
+# Asks as any application that starts now would.
 cat >"$home/proof" <<'PROOF'
 for name in HarbourGrid-Regular HarbourGrid-Bold LanternGrid-Regular; do
-  printf '  %-22s %s\n' "$name" "$(fc-match ":postscriptname=$name" postscriptname file | sed "s|$HOME/||")"
+  fc-match --format='%{postscriptname}\t%{file}\n' ":postscriptname=$name" |
+    { IFS="$(printf '\t')" read -r got file; printf '  %-20s %s (%s)\n' "$name" "${file#"$HOME"/}" "$got"; }
 done
 PROOF
 

@@ -17,7 +17,7 @@
 // may overlap, so that a small file could hold gigabytes of them.
 inline constexpr std::size_t kMaxScannedNameBytes = std::size_t{64} << 10;
 inline constexpr std::size_t kMaxScannedNames = 100'000;
-inline constexpr std::size_t kMaxScannedNamesBytes = std::size_t{4} << 20;
+inline constexpr std::size_t kMaxScannedNamesBytes = std::size_t{2} << 20;
 
 namespace CommonFunctionality {
 

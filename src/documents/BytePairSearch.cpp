@@ -50,7 +50,7 @@ Form WidestForm() {
 
 }  // namespace BytePairSearch
 
-std::size_t FindBytePair(std::string_view bytes, char first, char second, char otherSecond) {
+std::size_t FindBytePair(std::string_view bytes, char first, char second) {
   static const BytePairSearch::Form form = BytePairSearch::WidestForm();
-  return form(bytes, first, second, otherSecond);
+  return form(bytes, first, second);
 }

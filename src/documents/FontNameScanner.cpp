@@ -13,17 +13,18 @@ const std::array<FontNamePatterns, kRowCount> kFontNameRows = {{
 
 namespace {
 
-// The text without which a row finds nothing. Its anchor, "/F" or "/C", is what the survey of the
-// file looks for.
+// The text without which a row finds nothing, and where in it the anchor stands that all of them
+// have: what the survey of the file looks for.
+constexpr std::string_view kAnchor = "Fo";
 struct Landmark {
   std::string_view text;
   std::uint64_t anchor;
 };
 constexpr std::array<Landmark, kRowCount> kLandmarks = {{
-    {"/FontName/", 0},
-    {"/FontName /", 0},
-    {"/FontSet [", 0},
-    {"<< /99 /CoolTypeFont /0", 7},
+    {"/FontName/", 1},
+    {"/FontName /", 1},
+    {"/FontSet [", 1},
+    {"<< /99 /CoolTypeFont /0", 16},
 }};
 
 }  // namespace
@@ -43,7 +44,9 @@ struct FontNameScanner::Walk {
         sectionBegin(bytes, rowPatterns.sectionBegin, &ignored),
         sectionEnd(bytes, rowPatterns.sectionEnd, &ignored),
         nameBegin(bytes, rowPatterns.nameBegin, &ignored),
-        nameEnd(bytes, rowPatterns.nameEnd, &ignored) {}
+        nameEnd(bytes, rowPatterns.nameEnd, &ignored) {
+    sectionBegin.SetHindmost();
+  }
 };
 
 FontNameScanner::FontNameScanner(ByteSource& source, FontNameListener& listener,
@@ -125,10 +128,11 @@ std::optional<std::uint64_t> FontNameScanner::FirstOccurrence(FontNameRow row) {
   while (!mLandmarks[row] && mSurveyed < mBytes.Size()) {
     const std::string_view page = mBytes.From(mSurveyed);
     if (page.empty()) return std::nullopt;
-    std::size_t at = FindBytePair(page, '/', 'F', 'C');
+    std::size_t at = FindBytePair(page, kAnchor[0], kAnchor[1]);
     // A pair may stand across the border of two pages.
-    if (at == kNoBytePair && page.back() == '/') at = page.size() - 1;
+    if (at == kNoBytePair && page.back() == kAnchor[0]) at = page.size() - 1;
     if (at == kNoBytePair) {
+      mBytes.LetGo(mSurveyed);
       mSurveyed += page.size();
     } else {
       const std::uint64_t anchor = mSurveyed + at;

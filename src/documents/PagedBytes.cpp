@@ -25,7 +25,10 @@ bool PagedBytes::MakeRecent(std::uint64_t page) {
 
 bool PagedBytes::Load(std::size_t slot, std::uint64_t page) {
   const std::size_t pageBytes = std::size_t{1} << mPageBits;
-  if (!mData[slot]) mData[slot] = std::make_unique_for_overwrite<char[]>(pageBytes);
+  if (!mData[slot]) {
+    const std::uint64_t largest = std::min<std::uint64_t>(pageBytes, mSize);
+    mData[slot] = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(largest));
+  }
   const std::uint64_t offset = page << mPageBits;
   const auto length = static_cast<std::size_t>(std::min<std::uint64_t>(pageBytes, mSize - offset));
   mIndex[slot] = kNoPage;

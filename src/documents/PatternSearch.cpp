@@ -46,13 +46,14 @@ bool PatternSearch::MoveToCandidate() {
     mTo += static_cast<std::uint64_t>(skipped);
     return found != nullptr;
   }
-  const std::size_t pair = FindBytePair(page, mPattern[0], mPattern[1], mPattern[1]);
+  const std::size_t pair = FindBytePair(page, mPattern[0], mPattern[1]);
   if (pair != kNoBytePair) {
     mTo += pair;
     return true;
   }
   // The last byte of a page may begin a pair whose other half stands on the next one.
   const bool beginsHere = page.back() == mPattern.front();
+  if (mIsHindmost && !beginsHere) mBytes.LetGo(mTo);
   mTo += page.size() - (beginsHere ? 1 : 0);
   return beginsHere;
 }

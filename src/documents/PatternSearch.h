@@ -28,6 +28,8 @@ class PatternSearch {
   std::optional<std::uint64_t> Find(std::uint64_t origin) { return Find(origin, mBytes.Size()); }
   // The caller knows that the pattern nowhere begins before `offset`.
   void AssumeNoneBefore(std::uint64_t offset);
+  // Of several searches this one is the hindmost: a page that it has passed is read no more.
+  void SetHindmost() { mIsHindmost = true; }
   std::uint64_t Length() const { return mPattern.size(); }
 
  private:
@@ -45,4 +47,5 @@ class PatternSearch {
   std::uint64_t mFrom = 0;
   std::uint64_t mTo = 0;
   bool mFound = false;
+  bool mIsHindmost = false;
 };

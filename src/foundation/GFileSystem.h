@@ -26,8 +26,8 @@ class GFileSystem {
   static TModuleErrorCode OSCreateDirectory(const GFileSystemSpec& spec, bool recursive);
   static TModuleErrorCode OSDeleteFile(const GFileSystemSpec& spec);
   static TModuleErrorCode OSGetFileSize(const GFileSystemSpec& spec, unsigned long long& size);
-  // Is this file or folder, and every folder above it, writable by nobody but root and this user?
-  // What is run or loaded must be.
+  // Is this file or folder, and every folder above it, writable by nobody but root and this user
+  // (and the user's private group)? What is run or loaded must be.
   static bool OSIsTrustedLocation(const GFileSystemSpec& spec);
 
   // XDG base directories with their defaults; not created.

@@ -1,11 +1,7 @@
-#include <cstdlib>
-#include <new>
-
 #include "coreagent/AgentFixture.h"
+#include "coreagent/AllocationCounter.h"
 
 namespace {
-
-thread_local long sAllocations = 0;
 
 using Connection = AgentTest;
 
@@ -255,18 +251,9 @@ TEST_F(Connection, WatchdogBelievesAnAnswerOfNotRunningAtOnce) {
 TEST_F(Connection, AnIdleTickAllocatesNothing) {
   Start();
   agent->ProcessNotifications();
-  const long before = sAllocations;
+  const long before = CountOfAllocations();
   agent->ProcessNotifications();
-  EXPECT_EQ(sAllocations, before);
+  EXPECT_EQ(CountOfAllocations(), before);
 }
 
 }  // namespace
-
-// Counts what this thread allocates.
-void* operator new(std::size_t size) {
-  ++sAllocations;
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }

@@ -188,7 +188,7 @@ TEST(AdobeByteScan, TakesInOverlappingNamesInLittleMemory) {
   const Names names = ScanDocument(path);
   std::size_t length = 0;
   for (const std::string& name : names) length += name.size();
-  EXPECT_GT(names.size(), 50u);
+  EXPECT_GT(names.size(), 30u);  // of 32 KiB and a half on average
   EXPECT_LE(length, kMaxScannedNamesBytes);
 }
 

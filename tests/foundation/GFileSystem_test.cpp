@@ -130,8 +130,15 @@ TEST_F(GFileSystemTest, TrustEndsWhereOthersMayWrite) {
     GTEST_SKIP() << "the temporary folder lies where others may write";
   }
   EXPECT_TRUE(isTrusted());
-  chmod(program.c_str(), 0775);
+  chmod(program.c_str(), 0757);
   EXPECT_FALSE(isTrusted());
+  chmod(program.c_str(), 0775);
+  if (geteuid() == 0) {
+    // Root's group is private to root; a group of somebody else's is not.
+    EXPECT_TRUE(isTrusted());
+    ASSERT_EQ(chown(program.c_str(), 0, 65534), 0);
+    EXPECT_FALSE(isTrusted());
+  }
   chmod(program.c_str(), 0755);
   chmod(folder.c_str(), 0757);
   EXPECT_FALSE(isTrusted());

@@ -1,10 +1,14 @@
 #include "foundation/GFileSystem.h"
 
+#include <grp.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -40,9 +44,27 @@ TModuleErrorCode CodeOfError(int error, TModuleErrorCode codeOfMissing) {
   }
 }
 
+// A group of the user's own name that has no other member: with it, folders are made writable for
+// the group as a matter of course, and nobody else is let in.
+bool IsPrivateGroup(gid_t group) {
+  std::array<char, 4096> userBuffer;
+  std::array<char, 4096> groupBuffer;
+  passwd userEntry{};
+  struct group groupEntry {};
+  passwd* user = nullptr;
+  struct group* found = nullptr;
+  if (getpwuid_r(geteuid(), &userEntry, userBuffer.data(), userBuffer.size(), &user) != 0 ||
+      getgrgid_r(group, &groupEntry, groupBuffer.data(), groupBuffer.size(), &found) != 0) {
+    return false;
+  }
+  return user && found && user->pw_gid == group &&
+         std::strcmp(user->pw_name, found->gr_name) == 0 && found->gr_mem[0] == nullptr;
+}
+
 bool IsWritableByUsAlone(const struct stat& status) {
-  const bool isOurs = status.st_uid == 0 || status.st_uid == geteuid();
-  return isOurs && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+  if (status.st_uid != 0 && status.st_uid != geteuid()) return false;
+  if ((status.st_mode & S_IWOTH) != 0) return false;
+  return (status.st_mode & S_IWGRP) == 0 || IsPrivateGroup(status.st_gid);
 }
 
 // In a sticky folder of root's nobody can exchange what another one put there.
