@@ -246,8 +246,8 @@ TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
   EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier("doc"), 2u);
   EXPECT_EQ(framework.TakeTitles().size(), 1u);
   EXPECT_EQ(mManager.CountOfCalls("GoOnline"), 1);
-  EXPECT_EQ(framework.progressShown, 1);
-  EXPECT_EQ(framework.progressHidden, 1);
+  EXPECT_EQ(framework.CountShown("TarnShowProgress"), 1);
+  EXPECT_EQ(framework.CountShown("TarnHideProgress"), 1);
 
   // The whole family is on: the matched font is asked for by itself.
   mPlugin.platform.fonts.visible = {"Fam-Bold", "Fam-Light", "Fam-On"};

@@ -142,7 +142,7 @@ TEST_F(Pipeline, AppendingActiveFontsOnly) {
   EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"On", "Cached", "Fam-Bold"}));
   FontDataPreviouslyGottenFromDatabase::DeleteAll();
   for (const std::string& call : mManager.CallsOf("CountNamedFonts")) {
-    EXPECT_NE(call, "CountNamedFonts(Cached)");
+    EXPECT_NE(call, "CountNamedFonts(P:Cached)");
   }
 }
 

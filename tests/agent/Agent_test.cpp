@@ -32,53 +32,21 @@ std::vector<std::string> ActivatedFiles() {
   return files;
 }
 
-// A second process with a connection of its own: this program again, with one disabled test.
+// A second process with a connection of its own.
 class OtherClient {
  public:
-  OtherClient(const AgentHome& home, std::uint32_t font, const std::string& task)
-      : mSign(home.Home().Path() + "/sign-" + task) {
-    fs::remove(mSign);
-    setenv("OTHER_CLIENT_FONT", std::to_string(font).c_str(), 1);
-    setenv("OTHER_CLIENT_TASK", task.c_str(), 1);
-    setenv("OTHER_CLIENT_SIGN", mSign.c_str(), 1);
-    mProcess = std::make_unique<ChildProcess>(
-        std::vector<std::string>{fs::read_symlink("/proc/self/exe").string(),
-                                 "--gtest_also_run_disabled_tests",
-                                 "--gtest_filter=OtherClientProcess.DISABLED_HoldsAFont"},
-        "/dev/null");
-  }
-  bool IsReady() const {
-    return Eventually([&] { return fs::exists(mSign); });
-  }
+  OtherClient(std::uint32_t font, const std::string& task)
+      : mProgram({TEST_BUILD_DIR "/tests/other-client", task, std::to_string(font)}) {}
+  bool IsReady() { return mProgram.WaitForOutput("ready\n"); }
   void Kill() {
-    mProcess->Signal(SIGKILL);
-    mProcess->Wait();
+    mProgram.Signal(SIGKILL);
+    mProgram.Wait();
   }
-  pid_t Pid() const { return mProcess->Pid(); }
+  pid_t Pid() const { return mProgram.Pid(); }
 
  private:
-  std::string mSign;
-  std::unique_ptr<ChildProcess> mProcess;
+  Program mProgram;
 };
-
-// Not a test: what OtherClient runs.
-TEST(OtherClientProcess, DISABLED_HoldsAFont) {
-  const char* font = getenv("OTHER_CLIENT_FONT");
-  if (font == nullptr) return;
-  const auto id = static_cast<std::uint32_t>(std::stoul(font));
-  const std::string task = getenv("OTHER_CLIENT_TASK");
-  std::string error;
-  const auto client = AgentClient::Connect("other", 30'000, error);
-  ASSERT_TRUE(client) << error;
-  ActivationOutcome outcome;
-  if (task == "activate") {
-    ASSERT_EQ(client->Activate({id}, ActivationMode::eAuto, outcome), CallResult::eOk);
-  } else {
-    ASSERT_EQ(client->DeclareDocuments({{"/other.psd", {id}}}), CallResult::eOk);
-  }
-  std::ofstream(getenv("OTHER_CLIENT_SIGN")) << "ready";
-  for (;;) pause();
-}
 
 class AgentTest : public testing::Test {
  protected:
@@ -132,7 +100,7 @@ TEST_F(AgentTest, TurnsAFontOnAndOffForEveryProgram) {
   EXPECT_EQ(status[0].postScriptName, "Acme-A");
   EXPECT_EQ(status[0].pid, getpid());
   EXPECT_EQ(status[0].client, "test");
-  EXPECT_EQ(mHome.MatchedFile("Acme-A"), status[0].path);
+  EXPECT_EQ(MatchedFile("Acme-A"), status[0].path);
   EXPECT_EQ(ReadWholeFile(status[0].path), ReadWholeFile(mHome.LibraryPath("Acme-A.ttf")));
   EXPECT_EQ(fs::status(status[0].path).permissions(), fs::perms(0444));
   EXPECT_EQ(fs::status(fs::path(status[0].path).parent_path()).permissions(), fs::perms(0755));
@@ -142,7 +110,7 @@ TEST_F(AgentTest, TurnsAFontOnAndOffForEveryProgram) {
   Activate({a});
   Deactivate({a});
   EXPECT_EQ(State(a), 0u);
-  EXPECT_NE(mHome.MatchedFile("Acme-A"), status[0].path);
+  EXPECT_NE(MatchedFile("Acme-A"), status[0].path);
   EXPECT_TRUE(ActivatedFiles().empty());
   EXPECT_TRUE(IsTold("+" + number + "-" + number));
 }
@@ -163,8 +131,8 @@ TEST_F(AgentTest, TurnsWholeFilesOn) {
   EXPECT_EQ(State(one), 1u);
   EXPECT_EQ(State(mHome.FontID("Vario-Light")), 1u);
   EXPECT_EQ(ActivatedFiles().size(), 3u);
-  EXPECT_NE(mHome.MatchedFile("Acme-1").find("-c.ttc"), std::string::npos);
-  EXPECT_NE(mHome.MatchedFile("Post-Script").find("-p.pfb"), std::string::npos);
+  EXPECT_NE(MatchedFile("Acme-1").find("-c.ttc"), std::string::npos);
+  EXPECT_NE(MatchedFile("Post-Script").find("-p.pfb"), std::string::npos);
   Deactivate({one});
   EXPECT_EQ(State(two), 0u);
 }
@@ -172,7 +140,7 @@ TEST_F(AgentTest, TurnsWholeFilesOn) {
 TEST_F(AgentTest, ClientsGiveBackAndHandOver) {
   Start({"Acme-A", "Acme-B"});
   const std::uint32_t a = mHome.FontID("Acme-A"), b = mHome.FontID("Acme-B");
-  OtherClient holder(mHome, a, "activate");
+  OtherClient holder(a, "activate");
   ASSERT_TRUE(holder.IsReady());
   EXPECT_EQ(State(a), 2u);
   // Both: the other's end changes nothing for us.
@@ -184,7 +152,7 @@ TEST_F(AgentTest, ClientsGiveBackAndHandOver) {
   }));
   EXPECT_EQ(State(a), 1u);
   // The other has a document with it: what we give back goes over to it.
-  OtherClient user(mHome, a, "declare");
+  OtherClient user(a, "declare");
   ASSERT_TRUE(user.IsReady());
   Deactivate({a, b});
   EXPECT_EQ(State(a), 2u);
@@ -240,7 +208,7 @@ TEST_F(AgentTest, SystemFontsAreOnAndShadow) {
   const ActivationOutcome outcome = Activate({ids[1]});
   EXPECT_TRUE(outcome.failed.empty());
   // What the agent says is what other programs see.
-  const bool isShadowed = mHome.MatchedFile("Acme-A") == mHome.SystemPath("s.ttf");
+  const bool isShadowed = MatchedFile("Acme-A") == mHome.SystemPath("s.ttf");
   EXPECT_EQ(outcome.shadowed, isShadowed ? IDs{ids[1]} : IDs{});
   EXPECT_EQ(State(ids[1]), 1u);
 }
@@ -268,7 +236,7 @@ TEST_F(AgentTest, ComesBackInLineAfterACrash) {
   Start({"Acme-A", "Acme-B", "Acme-C", "Acme-D"});
   const std::uint32_t a = mHome.FontID("Acme-A"), b = mHome.FontID("Acme-B"),
                       c = mHome.FontID("Acme-C"), d = mHome.FontID("Acme-D");
-  OtherClient holder(mHome, b, "activate");
+  OtherClient holder(b, "activate");
   ASSERT_TRUE(holder.IsReady());
   Activate({a});
   Activate({c, d}, ActivationMode::eUser);
@@ -297,7 +265,7 @@ TEST_F(AgentTest, ComesBackInLineAfterACrash) {
   EXPECT_EQ(State(c), 4u);
   EXPECT_EQ(State(d), 4u);
   EXPECT_EQ(ActivatedFiles().size(), 3u);
-  EXPECT_NE(mHome.MatchedFile("Acme-C").find("-Acme-C.ttf"), std::string::npos);
+  EXPECT_NE(MatchedFile("Acme-C").find("-Acme-C.ttf"), std::string::npos);
   mClient.reset();
   EXPECT_TRUE(Eventually([&] { return State(a) == 0; }));
 }
@@ -305,7 +273,7 @@ TEST_F(AgentTest, ComesBackInLineAfterACrash) {
 TEST_F(AgentTest, AClientThatStayedBehindIsNoticed) {
   Start({"Acme-A"});
   const std::uint32_t a = mHome.FontID("Acme-A");
-  OtherClient holder(mHome, a, "activate");
+  OtherClient holder(a, "activate");
   ASSERT_TRUE(holder.IsReady());
   mHome.KillAgent();
   mHome.StartAgent();
@@ -319,14 +287,14 @@ TEST_F(AgentTest, AClientThatStayedBehindIsNoticed) {
 
 TEST_F(AgentTest, IsOneAndEndsInOrder) {
   Start({"Acme-A", "Acme-B"});
-  EXPECT_EQ(ChildProcess({TEST_BUILD_DIR "/bin/Nodrix"}, "/dev/null").Wait(), 0);
+  EXPECT_EQ(RunProgram({TEST_BUILD_DIR "/bin/Nodrix"}).exitCode, 0);
   EXPECT_TRUE(mClient->IsConnected());
-  EXPECT_EQ(ChildProcess({TEST_BUILD_DIR "/bin/Nodrix", "--nonsense"}).Wait(), 2);
+  EXPECT_EQ(RunProgram({TEST_BUILD_DIR "/bin/Nodrix", "--nonsense"}).exitCode, 2);
   const std::uint32_t a = mHome.FontID("Acme-A"), b = mHome.FontID("Acme-B");
   Activate({a});
   Activate({b}, ActivationMode::eUser);
   ASSERT_EQ(mClient->Stop(), CallResult::eOk);
-  EXPECT_EQ(mHome.Agent().Wait(), 0);
+  EXPECT_EQ(mHome.Agent().Wait().exitCode, 0);
   EXPECT_TRUE(Eventually([&] { return mTold.ends_with("end"); })) << mTold;
   EXPECT_EQ(State(a), 0u);
   EXPECT_EQ(State(b), 4u);
@@ -339,7 +307,7 @@ TEST_F(AgentTest, IsOneAndEndsInOrder) {
   ASSERT_TRUE(mClient);
   Activate({a});
   mHome.Agent().Signal(SIGTERM);
-  EXPECT_EQ(mHome.Agent().Wait(), 0);
+  EXPECT_EQ(mHome.Agent().Wait().exitCode, 0);
   EXPECT_EQ(State(a), 1u);
 }
 

@@ -116,7 +116,7 @@ const Start kStarts[] = {
      true,
      false,
      false,
-     {""},
+     {"-"},
      {"in use: /home/x/Fonts.vault"},
      "GLarkspurSdk::Initialize FAILED, error code = 33562632 (GLarkspurSdk::kVaultInUse)."},
     {"vault in use, older",
@@ -124,7 +124,7 @@ const Start kStarts[] = {
      true,
      false,
      false,
-     {""},
+     {"-"},
      {"in use: /home/x/Fonts.vault"},
      "Disabling plug-in services in CoreAgentInterface::InitializeCoreAgent() because of SDK "
      "initialization error 33583112."},
@@ -133,7 +133,7 @@ const Start kStarts[] = {
      true,
      false,
      false,
-     {""},
+     {"-"},
      {"not open: /home/x/Fonts.vault"},
      "GLarkspurSdk::Initialize FAILED, error code = 77."},
 };

@@ -259,7 +259,7 @@ TEST_F(Notifications, EventsDuringAMessageWaitAndAreHandledInTheSameRound) {
   Start();
   agent->ProcessNotifications();
   int nested = -1;
-  tarn.onMessage = [&] {
+  tarn.onDialog = [&] {
     facade.Notify(kCallback_SmartListsChanged);
     nested = agent->ProcessNotifications();
     EXPECT_TRUE(host.told.empty());

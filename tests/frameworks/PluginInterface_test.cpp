@@ -16,6 +16,7 @@
 #include "frameworks/ScratchLibrary.h"
 #include "propertylist/FontRecord.h"
 #include "sdk/FontRecordKeys.h"
+#include "support/TestFonts.h"
 
 namespace fs = std::filesystem;
 using IDs = std::vector<std::uint32_t>;
@@ -243,10 +244,7 @@ TEST_F(PluginInterface, FollowsADatabaseThatWasReplaced) {
 
 TEST_F(PluginInterface, ShowsALocalFontToThisProcessOnce) {
   const std::string path = home.Path() + "/local.ttf";
-  const std::string command = "/usr/bin/python3 " TEST_SOURCE_DIR
-                              "/tools/fonts/make_font.py --family Scratch --psname ScratchLocal " +
-                              path;
-  ASSERT_EQ(std::system(command.c_str()), 0);
+  BuildFont(path, "ScratchLocal");
   ScratchLibrary library;
   library.Add({11, "ScratchLocal", 1, 2, path});
   library.Add({12, "Gone", 1, 2, home.Path() + "/gone.ttf"});

@@ -1,23 +1,18 @@
 // The client library and the agent itself, from names to active fonts and back.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <condition_variable>
-#include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <mutex>
 #include <vector>
 
-#include "agent/library/AgentClient.h"
 #include "agent/library/Paths.h"
 #include "frameworks/FrameworkLibraries.h"
 #include "propertylist/FontRecord.h"
 #include "sdk/FontRecordKeys.h"
-#include "support/ScratchHome.h"
+#include "support/AgentHome.h"
+#include "support/TestFonts.h"
 
 namespace {
 
@@ -41,53 +36,14 @@ void AwaitHeard(std::int32_t kind, std::uint32_t font) {
   });
 }
 
-// Nodrix as a child of this process.
-class RunningAgent {
- public:
-  RunningAgent() : mProcess(fork()) {
-    if (mProcess == 0) {
-      execl(TEST_BUILD_DIR "/bin/Nodrix", "Nodrix", "--foreground", nullptr);
-      _exit(127);
-    }
-  }
-  ~RunningAgent() { Kill(SIGTERM); }
-  RunningAgent(const RunningAgent&) = delete;
-  RunningAgent& operator=(const RunningAgent&) = delete;
-  void Kill(int signal) {
-    if (mProcess <= 0) return;
-    kill(mProcess, signal);
-    waitpid(mProcess, nullptr, 0);
-    mProcess = -1;
-  }
-
- private:
-  pid_t mProcess;
-};
-
 class RealAgent : public testing::Test {
  protected:
   RealAgent() {
-    const std::string command = "/usr/bin/python3 " TEST_SOURCE_DIR
-                                "/tools/fonts/make_font.py --family Scratch --psname Scratch-One " +
-                                home.MakeFolder("fonts") + "/one.ttf";
-    EXPECT_EQ(std::system(command.c_str()), 0);
-    // The machine's own fonts are none of this.
-    setenv("FONTCONFIG_FILE",
-           home.WriteFile("fonts.conf",
-                          "<?xml version=\"1.0\"?><fontconfig><dir prefix=\"xdg\">"
-                          "fonts</dir><cachedir prefix=\"xdg\">fontconfig</cachedir>"
-                          "</fontconfig>")
-               .c_str(),
-           1);
+    BuildFont(home.LibraryPath("one.ttf"), "Scratch-One");
+    home.StartAgent();
   }
   ~RealAgent() override { facade.CleanUpOnShutdown(instance); }
 
-  std::unique_ptr<Nodrix::AgentClient> Librarian() {
-    std::string error;
-    auto client = Nodrix::AgentClient::Connect("test", 20000, error);
-    EXPECT_TRUE(client) << error;
-    return client;
-  }
   std::string State(std::uint32_t font) {
     PLDictionaryRef record = nullptr;
     facade.GetFontInfoByID(instance, nullptr, 0, nullptr, &font, &record);
@@ -109,7 +65,7 @@ class RealAgent : public testing::Test {
     return files;
   }
 
-  ScratchHome home;
+  AgentHome home;
   FacadeTable facade;
   PluginFacadeInstance instance = facade.GetPluginFacadeInstance();
 };
@@ -117,14 +73,9 @@ class RealAgent : public testing::Test {
 }  // namespace
 
 TEST_F(RealAgent, ActivatesByNameAndSurvivesItsLoss) {
-  auto agent = std::make_unique<RunningAgent>();
-  const auto librarian = Librarian();
+  const auto librarian = home.Connect();
   ASSERT_TRUE(librarian);
-  Nodrix::ScanOutcome outcome;
-  std::string message;
-  ASSERT_EQ(librarian->AddFolder(home.Path() + "/fonts", {}, outcome, message),
-            Nodrix::CallResult::eOk)
-      << message;
+  home.AddLibrary(*librarian);
 
   EXPECT_EQ(facade.InitAppInstance(instance, 1, 21), 0u);
   EXPECT_EQ(facade.InitThreadInstance(instance), 0u);
@@ -141,28 +92,25 @@ TEST_F(RealAgent, ActivatesByNameAndSurvivesItsLoss) {
   EXPECT_EQ(State(font), "0");
   EXPECT_EQ(ActiveFiles(), 0u);
 
-  agent->Kill(SIGKILL);
+  home.KillAgent();
   EXPECT_EQ(Activate(font), kPluginInterface_ServiceUnavailable);
   std::int32_t running = 9;
   facade.GetIsCoreAgentProcessRunning(instance, &running);
   EXPECT_EQ(running, 0);
-  agent = std::make_unique<RunningAgent>();
+  home.StartAgent();
   facade.ResetPluginFacadeInstance();
   EXPECT_EQ(Activate(font), 0u) << "waits for the agent that is just starting";
   EXPECT_EQ(facade.DestroyThreadInstance(instance), 0u);
 }
 
 TEST_F(RealAgent, TellsOfOthersActivationsAndOfItsEnd) {
-  RunningAgent agent;
-  const auto librarian = Librarian();
+  const auto librarian = home.Connect();
   ASSERT_TRUE(librarian);
   // The scan's own signal comes to a library that is connected.
   facade.RegisterForNotifications(instance, Listen);
-  Nodrix::ScanOutcome outcome;
-  std::string message;
   Nodrix::ActivationOutcome activation;
   std::uint32_t font = 0, count = 0;
-  librarian->AddFolder(home.Path() + "/fonts", {}, outcome, message);
+  home.AddLibrary(*librarian);
   facade.GetFontsByPostscriptName(instance, "Scratch-One", nullptr, 0, &font, 1, &count);
   ASSERT_EQ(count, 1u);
   // The thread's connection may come a moment later than ours: repeat until it hears.

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "support/FontNamingDocument.h"
+
 KestraneTest::~KestraneTest() { Run({"agent", "stop"}); }
 
 std::vector<std::string> KestraneTest::Kestrane(std::vector<std::string> arguments) {
@@ -15,25 +17,12 @@ ProgramResult KestraneTest::Run(std::vector<std::string> arguments, const std::s
 
 std::string KestraneTest::WriteDocument(const std::string& name,
                                         const std::vector<std::string>& fonts) const {
-  std::string bytes = "8BPS layers /FontSet [";
-  for (const std::string& font : fonts) {
-    bytes += " << /Name (\xFE\xFF";
-    for (const char character : font) bytes += {'\0', character};
-    bytes += ") /Script 0 >>";
-  }
-  return mHome.WriteFile(name, bytes + " ] image");
+  return mHome.WriteFile(name, DocumentNaming(fonts));
 }
 
 void KestraneTest::AddExampleFonts() const {
   const ProgramResult result = Run({"library", "add", ExampleFonts()});
   ASSERT_EQ(result.exitCode, 0) << result.error;
-}
-
-std::string KestraneTest::MatchedFile(const std::string& postScriptName) {
-  const ProgramResult result = RunProgram(
-      {"fc-match", "--format=%{postscriptname}\t%{file}", ":postscriptname=" + postScriptName});
-  const std::string start = postScriptName + "\t";
-  return result.output.starts_with(start) ? result.output.substr(start.size()) : std::string();
 }
 
 bool KestraneTest::IsActivated(const std::string& postScriptName) const {

@@ -10,6 +10,7 @@
 #include "support/Eventually.h"
 #include "support/RunProgram.h"
 #include "support/ScratchHome.h"
+#include "support/TestFonts.h"
 
 class KestraneTest : public testing::Test {
  protected:
@@ -24,9 +25,7 @@ class KestraneTest : public testing::Test {
   std::string WriteDocument(const std::string& name, const std::vector<std::string>& fonts) const;
   // Fills the library with the example's fonts.
   void AddExampleFonts() const;
-  // The file that an application gets for this name, "" if it gets none of that name.
-  static std::string MatchedFile(const std::string& postScriptName);
-  // Is that file one that the agent put there?
+  // Do applications get a file that the agent put there for this name?
   bool IsActivated(const std::string& postScriptName) const;
   static pid_t AgentPid();
 

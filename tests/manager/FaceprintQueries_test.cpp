@@ -1,10 +1,21 @@
 #include <gtest/gtest.h>
 
-#include "manager/TableFontManager.h"
+#include "sdk/FontRecordKeys.h"
+#include "support/FakeFontManager.h"
 
 namespace {
 
-using Questions = TableFontManager::Questions;
+// Questions by name: type, "P" or "F", and name.
+using Questions = std::vector<std::string>;
+
+Questions QuestionsTo(const FakeFontManager& manager) {
+  Questions questions;
+  for (const std::string& call : manager.CallsOf("CountNamedFonts")) {
+    const std::size_t start = call.find('(') + 1;
+    questions.push_back(call.substr(start, call.size() - start - 1));
+  }
+  return questions;
+}
 
 FontRecord Source(const char* key, const std::string& name) {
   FontRecord record = MakeFontRecord();
@@ -30,11 +41,11 @@ struct Ladder {
 
 TEST(NameLadder, AsksForShorterAndShorterNames) {
   const Ladder ladders[] = {
-      {"found at once", "Name-Bold", 0, "Name-Bold", {"P:Name-Bold"}},
+      {"found at once", "Name-Bold", 0, "P:Name-Bold", {"P:Name-Bold"}},
       {"found without what PostScript forbids",
        "Na#12me-Bold",
        0,
-       "NameBold",
+       "P:NameBold",
        {"P:Na#12me-Bold", "P:NameBold"}},
       {"a subset prefix",
        "ABCDEF+Name-Bold",
@@ -60,13 +71,18 @@ TEST(NameLadder, AsksForShorterAndShorterNames) {
       {"nothing to take off", "Name", 0, "", {"P:Name", "P:Name"}},
   };
   for (const Ladder& ladder : ladders) {
-    TableFontManager manager;
-    if (*ladder.present) manager.Add(ladder.present, 7);
+    FakeFontManager manager;
+    const std::string present = ladder.present;
+    if (present.starts_with("F:")) {
+      manager.Add(7, "", {{kFP_FamilyKey, present.c_str() + 2}});
+    } else if (!present.empty()) {
+      manager.Add(7, present.substr(2));
+    }
     FontRecordArray candidates = MakeFontRecordArray();
     const FontRecord source =
         Source(ladder.type == 1 ? kFP_FamilyKey : kFP_PostScriptNameKey, ladder.name);
     EXPECT_EQ(manager.GetFaceprintData(source, ladder.type, nullptr, 11, candidates), 0);
-    EXPECT_EQ(manager.questions, ladder.asked) << ladder.title;
+    EXPECT_EQ(QuestionsTo(manager), ladder.asked) << ladder.title;
     EXPECT_EQ(CountOf(candidates), *ladder.present ? 1u : 0u) << ladder.title;
   }
 }
@@ -86,23 +102,23 @@ TEST(NameLadder, EndsAtAnError) {
       {"F:Name", -1, -1, 8},           // the last result counts
   };
   for (const Case& c : cases) {
-    TableFontManager manager;
-    manager.countErrors[c.question] = c.code;
+    FakeFontManager manager;
+    manager.FailAt("CountNamedFonts(" + std::string(c.question) + ")", 0, c.code);
     FontRecordArray candidates = MakeFontRecordArray();
     EXPECT_EQ(manager.GetFaceprintData(Source(kFP_PostScriptNameKey, "A+Name-Bold"), 0, nullptr, 11,
                                        candidates),
               c.result)
         << c.question;
-    EXPECT_EQ(manager.questions.size(), c.questions) << c.question;
+    EXPECT_EQ(QuestionsTo(manager).size(), c.questions) << c.question;
   }
 }
 
 TEST(NameLadder, RefusesBadArgumentsAndLongNames) {
-  TableFontManager manager;
+  FakeFontManager manager;
   const std::string fits(127, 'x');
   const std::string tooLong(128, 'x');
-  manager.Add(fits, 1);
-  manager.Add(tooLong, 2);
+  manager.Add(1, fits);
+  manager.Add(2, tooLong);
   FontRecordArray candidates = MakeFontRecordArray();
   const FontRecordArray before = candidates;
   const FontRecord named = Source(kFP_PostScriptNameKey, "Name");
@@ -114,7 +130,7 @@ TEST(NameLadder, RefusesBadArgumentsAndLongNames) {
   EXPECT_EQ(
       manager.GetFaceprintData(Source(kFP_PostScriptNameKey, tooLong), 0, nullptr, 11, candidates),
       -1);
-  EXPECT_TRUE(manager.questions.empty());
+  EXPECT_TRUE(QuestionsTo(manager).empty());
   EXPECT_EQ(candidates, before);
   EXPECT_EQ(
       manager.GetFaceprintData(Source(kFP_PostScriptNameKey, fits), 0, nullptr, 11, candidates), 0);
@@ -128,8 +144,9 @@ TEST(QueryByName, WritesTheDatabaseStateIntoEachRecord) {
     const char* isActive;
   };
   for (const Case& c : {Case{0, "0", "0"}, {1, "0", "0"}, {2, "0", "1"}, {3, "1", "1"}}) {
-    TableFontManager manager;
-    const FontRecord original = manager.Add("Name", 4000000000u, c.state).rec.info;
+    FakeFontManager manager;
+    const FontRecord original = manager.Add(4000000000u, "Name", {}, c.state).info;
+    original->Remove(kFP_DatabaseIDKey);
     FontRecordArray candidates = MakeFontRecordArray();
     ASSERT_EQ(
         manager.GetFaceprintDataForFontName("Name", kPostScriptFontName, nullptr, 11, candidates),
@@ -141,7 +158,7 @@ TEST(QueryByName, WritesTheDatabaseStateIntoEachRecord) {
     EXPECT_EQ(RecordString(record, kFP_IsActiveKey), c.isActive);
     EXPECT_EQ(RecordString(record, kFP_ActivationStateKey), std::to_string(c.state));
     EXPECT_FALSE(original->Has(kFP_DatabaseIDKey)) << "the caller's record is a copy";
-    EXPECT_EQ(manager.ended, 1);
+    EXPECT_EQ(manager.CountOfCalls("EndGetFaceprintInfo"), 1);
   }
 }
 
@@ -166,27 +183,26 @@ TEST(QueryByName, PassesOverWhatItCannotReadAndStopsWhenTheFontManagerHasGone) {
       {"larger than the buffer", 0, 0, huge, 0, {1, 3}},
   };
   for (const Case& c : cases) {
-    TableFontManager manager;
-    for (std::uint32_t id = 1; id <= 3; ++id) manager.Add("Name", id);
-    auto& special = manager.fonts["Name"][1];
-    special.infoError = c.infoError;
-    special.slugError = c.slugError;
-    special.slug = c.slug;
+    FakeFontManager manager;
+    for (std::uint32_t id = 1; id <= 3; ++id) manager.Add(id, "Name");
+    manager.fonts[1].slug = c.slug;
+    if (c.infoError != 0) manager.FailAt("GetNamedFontInfo", 2, c.infoError);
+    if (c.slugError != 0) manager.FailAt("GetFaceprintInfo", 2, c.slugError);
     FontRecordArray candidates = MakeFontRecordArray();
     EXPECT_EQ(
         manager.GetFaceprintDataForFontName("Name", kPostScriptFontName, nullptr, 11, candidates),
         c.result)
         << c.title;
     EXPECT_EQ(IDsOf(candidates), c.ids) << c.title;
-    EXPECT_EQ(manager.ended, 1);
+    EXPECT_EQ(manager.CountOfCalls("EndGetFaceprintInfo"), 1);
   }
 }
 
 TEST(QueryByName, LeavesOutDisabledRemoteWorkgroups) {
-  TableFontManager manager;
-  manager.disabledType = 8;
-  manager.Add("Name", 1);
-  manager.Add("Name", 2).rec.info->Set(kFP_WorkgroupTypeKey, "8");
+  FakeFontManager manager;
+  manager.disabledWorkgroupType = 8;
+  manager.Add(1, "Name");
+  manager.Add(2, "Name", {{kFP_WorkgroupTypeKey, "8"}});
   FontRecordArray candidates = MakeFontRecordArray();
   bool excludedRemote = false;
   EXPECT_EQ(manager.GetFaceprintDataForFontName("Name", kPostScriptFontName, &excludedRemote, 11,
@@ -197,7 +213,7 @@ TEST(QueryByName, LeavesOutDisabledRemoteWorkgroups) {
 }
 
 TEST(QueryByName, LeavesTheCallersArrayWhereNothingIsFound) {
-  TableFontManager manager;
+  FakeFontManager manager;
   FontRecordArray candidates = MakeFontRecordArray();
   const FontRecordArray before = candidates;
   EXPECT_EQ(
@@ -212,9 +228,9 @@ TEST(QueryByName, LeavesTheCallersArrayWhereNothingIsFound) {
 }
 
 TEST(QueryByName, BestMatchComesFirst) {
-  TableFontManager manager;
-  manager.Add("Name", 1, kActivationStateInactive);
-  manager.Add("Name", 2, kActivationStateActive);
+  FakeFontManager manager;
+  manager.Add(1, "Name", {}, kActivationStateInactive);
+  manager.Add(2, "Name", {}, kActivationStateActive);
   FontRecordArray candidates = MakeFontRecordArray();
   EXPECT_EQ(
       manager.GetFaceprintData(Source(kFP_PostScriptNameKey, "Name"), 0, nullptr, 11, candidates),

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "manager/TableFontManager.h"
+#include "support/FakeFontManager.h"
+#include "support/FontRecords.h"
 #include "support/PluginWorld.h"
 
 namespace {
@@ -12,17 +13,17 @@ class WorkgroupSelection : public testing::Test {
   long Selected() { return world.tarn.longPreferences[kCurrentWorkgroupPrefKey]; }
   void Select(long id) { world.tarn.longPreferences[kCurrentWorkgroupPrefKey] = id; }
   // Puts one in place, with the workgroups 11, 12 and so on.
-  TableFontManager& Make(int workgroupCount) {
+  FakeFontManager& Make(int workgroupCount) {
     manager.reset();
-    manager = std::make_unique<TableFontManager>();
+    manager = std::make_unique<FakeFontManager>();
     for (int i = 0; i < workgroupCount; ++i) {
-      manager->AddWorkgroup(11 + i, "Library " + std::to_string(i));
+      manager->workgroups[std::to_string(11 + i)] = "Library " + std::to_string(i);
     }
     return *manager;
   }
 
   PluginWorld world;
-  std::unique_ptr<TableFontManager> manager;
+  std::unique_ptr<FakeFontManager> manager;
 };
 
 TEST_F(WorkgroupSelection, ChoosesByRule) {
@@ -49,7 +50,7 @@ TEST_F(WorkgroupSelection, ChoosesByRule) {
       {"empty, server, known already", 0, true, false, false, 12, 0, false, false, {}},
   };
   for (const Case& c : cases) {
-    TableFontManager& table = Make(c.workgroupCount);
+    FakeFontManager& table = Make(c.workgroupCount);
     table.canActivateFromAll = c.canActivateFromAll;
     table.standalone = c.standalone;
     Select(c.selected);
@@ -64,10 +65,10 @@ TEST_F(WorkgroupSelection, ChoosesByRule) {
 }
 
 TEST_F(WorkgroupSelection, DoesNothingWhileNotConnectedAndTreatsAnErrorAsAnEmptyList) {
-  TableFontManager& table = Make(2);
+  FakeFontManager& table = Make(2);
   Select(12);
   table.connected = false;
-  table.workgroupsError = 5;
+  table.FailAt("GetAllWorkgroupsForUser", 0, 5);
   table.HandleSelectWorkgroup();
   EXPECT_EQ(Selected(), 12);
   table.connected = true;
@@ -77,11 +78,11 @@ TEST_F(WorkgroupSelection, DoesNothingWhileNotConnectedAndTreatsAnErrorAsAnEmpty
 
 // The message of an empty list runs the host's loop, from which a selection may be asked for again.
 TEST_F(WorkgroupSelection, DoesNotStartWithinItself) {
-  TableFontManager& table = Make(0);
+  FakeFontManager& table = Make(0);
   table.standalone = false;
   FontManagerInterface::SetValidWorkgroupSelected(true);
   int nested = 0;
-  world.tarn.onMessage = [&] {
+  world.tarn.onDialog = [&] {
     ++nested;
     table.HandleSelectWorkgroup();
     EXPECT_FALSE(FontManagerInterface::GetValidWorkgroupSelected());
@@ -89,7 +90,7 @@ TEST_F(WorkgroupSelection, DoesNotStartWithinItself) {
   };
   table.HandleSelectWorkgroup();
   EXPECT_EQ(nested, 1);
-  table.AddWorkgroup(11, "Library");
+  table.workgroups = {{"11", "Library"}};
   table.HandleSelectWorkgroup();  // the guard has gone
   EXPECT_EQ(Selected(), 11);
 }
@@ -115,7 +116,7 @@ TEST_F(WorkgroupSelection, TheDefaultIsInitialised) {
       {"invalid, none", 0, false, true, -2, -2, true, false},
   };
   for (const Case& c : cases) {
-    TableFontManager& table = Make(c.workgroupCount);
+    FakeFontManager& table = Make(c.workgroupCount);
     table.canActivateFromAll = c.canActivateFromAll;
     KestraneGlobals::SetUserHasWorkgroups(c.hasWorkgroups);
     Select(c.selected);
@@ -124,7 +125,7 @@ TEST_F(WorkgroupSelection, TheDefaultIsInitialised) {
     EXPECT_EQ(Selected(), c.expected) << c.title;
     EXPECT_EQ(FontManagerInterface::GetValidWorkgroupSelected(), c.isValid) << c.title;
   }
-  TableFontManager& table = Make(1);
+  FakeFontManager& table = Make(1);
   table.running = false;
   Select(99);
   table.InitializeDefaultWorkgroup();
@@ -149,7 +150,7 @@ TEST_F(WorkgroupSelection, IsCheckedOnlyWhereThePluginWorks) {
       {"standalone", true, true, false, true, true, 11},
   };
   for (const Case& c : cases) {
-    TableFontManager& table = Make(1);
+    FakeFontManager& table = Make(1);
     table.loggedIn = c.loggedIn;
     table.standalone = c.standalone;
     world.tarn.preferences[kEnablePluginPrefKey] = c.preference;
@@ -169,7 +170,7 @@ TEST_F(WorkgroupSelection, IsCheckedOnlyWhereThePluginWorks) {
 }
 
 TEST_F(WorkgroupSelection, IsReadyOnlyWhenAllHolds) {
-  TableFontManager& table = Make(1);
+  FakeFontManager& table = Make(1);
   EXPECT_TRUE(FontManagerInterface::AutoActivationIsReady());
   table.loggedIn = false;
   EXPECT_FALSE(FontManagerInterface::AutoActivationIsReady());
@@ -186,7 +187,7 @@ TEST_F(WorkgroupSelection, IsReadyOnlyWhenAllHolds) {
 
 TEST_F(WorkgroupSelection, NamesAndIDsGoBothWays) {
   world.tarn.texts = {{"All Libraries", "Alle"}, {"All Workgroups", "Toutes"}};
-  TableFontManager& table = Make(2);
+  FakeFontManager& table = Make(2);
   int id = 0;
   EXPECT_EQ(table.GetWorkgroupID("Library 1", &id), 0);
   EXPECT_EQ(id, 12);
@@ -218,7 +219,7 @@ TEST_F(WorkgroupSelection, NamesAndIDsGoBothWays) {
 
 // A workgroup counts by its name, not by its ID.
 TEST_F(WorkgroupSelection, IsValidByName) {
-  TableFontManager& table = Make(2);
+  FakeFontManager& table = Make(2);
   EXPECT_FALSE(table.IsValidWorkgroupForUser(0));
   EXPECT_TRUE(table.IsValidWorkgroupForUser(12));
   EXPECT_FALSE(table.IsValidWorkgroupForUser(13));

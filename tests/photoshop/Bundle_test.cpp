@@ -5,13 +5,15 @@
 #include "photoshop/PluginEntry.h"
 #include "state/HostAppInterface.h"
 #include "state/KestraneGlobals.h"
-#include "support/FakeDialogFramework.h"
 #include "support/FakePlatform.h"
 #include "support/FakeSuites.h"
+#include "support/FakeTarn.h"
 
 TEST(Bundle, KnowsWhoItIsBeforeTheFirstCall) {
   FakePlatform platform;
-  FakeDialogFramework dialogs(platform);
+  platform.bundles.Plugin();
+  FakeTarn tarn;
+  tarn.Install(platform);
   EXPECT_EQ("", KestraneGlobals::GetPluginVersion());
   void* plugin =
       dlopen(TEST_BUILD_DIR "/plugins/AutoActivation.plugin/Contents/Linux/AutoActivation",
@@ -21,11 +23,11 @@ TEST(Bundle, KnowsWhoItIsBeforeTheFirstCall) {
   EXPECT_EQ("PhotoshopCC2021", KestraneGlobals::GetPluginHostApp());
   EXPECT_NE(nullptr, HostAppInterface::GetHostAppInterface());
   EXPECT_EQ(0u, platform.runLoop.TimerCount());
-  EXPECT_TRUE(dialogs.shown.empty());
+  EXPECT_TRUE(tarn.shown.empty());
 
   const auto entry = reinterpret_cast<AutoPluginMainProc>(dlsym(plugin, kAutoPluginMainSymbol));
   ASSERT_NE(nullptr, entry);
   FakeSuites host;
   EXPECT_EQ(0, entry(kSPInterfaceCaller, kSPInterfaceAboutSelector, host.Message()));
-  EXPECT_EQ(std::vector<std::string>{"TarnShowAboutBox"}, dialogs.shown);
+  EXPECT_EQ(std::vector<std::string>{"TarnShowAboutBox"}, tarn.shown);
 }

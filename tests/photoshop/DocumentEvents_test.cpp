@@ -18,7 +18,7 @@ std::size_t FontsOf(const OneTrackedDocument* document) {
 std::vector<OneTrackedDocument*> Tracked() { return AllTrackedDocuments::GetDocumentList(); }
 
 bool WasShown(const Shell& shell, const std::string& what) {
-  for (const std::string& shown : shell.dialogs.shown) {
+  for (const std::string& shown : shell.tarn.shown) {
     if (shown.find(what) != std::string::npos) return true;
   }
   return false;
@@ -29,7 +29,8 @@ bool WasShown(const Shell& shell, const std::string& what) {
 TEST(OpenEvent, TracksAndActivates) {
   Shell shell;
   shell.MakeReady();
-  shell.fontManager->fonts = {{"Foo-Bold", {41, false}}, {"Bar", {42, true}}};
+  shell.fontManager->Add(41, "Foo-Bold");
+  shell.fontManager->Add(42, "Bar", {}, kActivationStateActive);
   shell.Open(7, shell.WriteDocument("a.psd", {"Foo-Bold", "Bar"}));
 
   ASSERT_EQ(1u, Tracked().size());
@@ -40,9 +41,10 @@ TEST(OpenEvent, TracksAndActivates) {
   EXPECT_TRUE(document->GetCanExportFontsForDocument());
   ASSERT_TRUE(document->GetUnresolvedFonts());
   EXPECT_EQ(0u, CountOf(document->GetUnresolvedFonts()));
-  EXPECT_EQ(std::vector<std::string>{"activate Foo-Bold"}, shell.fontManager->calls);
+  EXPECT_EQ(std::vector<std::string>{"ActivateFontsByID(41)"},
+            shell.fontManager->CallsOf("ActivateFontsByID"));
   EXPECT_EQ(2u, FontsOf(document));
-  EXPECT_TRUE(shell.dialogs.shown.empty());
+  EXPECT_TRUE(shell.tarn.shown.empty());
   EXPECT_EQ(0, gOpenDocumentCallCounter);
   EXPECT_EQ(0u, shell.host.ObjectsAlive());
 
@@ -70,7 +72,7 @@ TEST(OpenEvent, DoesNothingUnlessReady) {
 TEST(OpenEvent, MissingFontsAreToldExceptTheHostsOwn) {
   Shell shell;
   shell.MakeReady();
-  shell.fontManager->fonts = {{"Foo-Bold", {41, false}}};
+  shell.fontManager->Add(41, "Foo-Bold");
   shell.Open(1, shell.WriteDocument("own.psd", {"Foo-Bold", "MyriadPro-Regular"}));
   EXPECT_FALSE(WasShown(shell, "SomeLayersMissingFontsMessage"));
   EXPECT_FALSE(Tracked()[0]->GetHasMissingFonts());
@@ -83,7 +85,7 @@ TEST(OpenEvent, MissingFontsAreToldExceptTheHostsOwn) {
 TEST(OpenEvent, UserResolvesWhenBestMatchIsOff) {
   Shell shell;
   shell.MakeReady();
-  shell.dialogs.flags[kPickBestMatchPrefKey] = false;
+  shell.tarn.preferences[kPickBestMatchPrefKey] = false;
   shell.Open(1, shell.WriteDocument("a.psd", {"Nowhere"}));
   EXPECT_TRUE(WasShown(shell, "TarnShowResolveFonts"));
   EXPECT_FALSE(WasShown(shell, "SomeLayersMissingFontsMessage"));
@@ -91,7 +93,7 @@ TEST(OpenEvent, UserResolvesWhenBestMatchIsOff) {
   EXPECT_EQ(1u, CountOf(Tracked()[0]->GetUnresolvedFonts()));
 
   // All is resolved: nothing is kept.
-  shell.fontManager->fonts = {{"Foo-Bold", {41, true}}};
+  shell.fontManager->Add(41, "Foo-Bold", {}, kActivationStateActive);
   shell.Open(2, shell.WriteDocument("b.psd", {"Foo-Bold"}));
   EXPECT_FALSE(Tracked()[1]->GetUnresolvedFonts());
 }
@@ -99,7 +101,9 @@ TEST(OpenEvent, UserResolvesWhenBestMatchIsOff) {
 TEST(OpenEvent, OneRefusedFontEndsTheActivation) {
   Shell shell;
   shell.MakeReady();
-  shell.fontManager->fonts = {{"Foo-Bold", {41, false, true}}, {"Bar", {42, false}}};
+  shell.fontManager->Add(41, "Foo-Bold");
+  shell.fontManager->refused = {41};
+  shell.fontManager->Add(42, "Bar");
   shell.Open(1, shell.WriteDocument("a.psd", {"Foo-Bold", "Bar", "Nowhere"}));
   EXPECT_TRUE(WasShown(shell, "TarnShowRestrictedFonts"));
   EXPECT_FALSE(WasShown(shell, "SomeLayersMissingFontsMessage"));
@@ -124,7 +128,7 @@ TEST(OpenEvent, FilesThatAreNotThereAreTrackedWithoutAPath) {
 TEST(OpenEvent, CatchesUpWithTheDetection) {
   Shell shell;
   shell.MakeReady();
-  shell.fontManager->fonts = {{"Foo-Bold", {41, false}}};
+  shell.fontManager->Add(41, "Foo-Bold");
   const std::string path = shell.WriteDocument("a.psd", {"Foo-Bold", "Nowhere"});
   shell.host.documents = {{7, path}, {8, ""}};
   shell.host.currentIndex = 1;
@@ -163,7 +167,7 @@ TEST(OpenEvent, SilentDetectionTracksAndLeavesFontsAlone) {
   DetectAndHandleNewlyOpenedDocuments(true);
   ASSERT_EQ(1u, Tracked().size());
   EXPECT_FALSE(Tracked()[0]->GetUnresolvedFonts());
-  EXPECT_TRUE(shell.dialogs.shown.empty());
+  EXPECT_TRUE(shell.tarn.shown.empty());
 }
 
 TEST(OpenEvent, ErrorsOfTheHostEndInTheHandler) {
@@ -190,12 +194,12 @@ TEST(OpenEvent, ErrorsOfTheHostEndInTheHandler) {
 TEST(OpenEvent, SurvivesACloseFromWithinADialog) {
   Shell shell;
   shell.MakeReady();
-  shell.dialogs.flags[kPickBestMatchPrefKey] = false;
-  shell.fontManager->fonts = {{"Foo-Bold", {41, false}}};
-  shell.dialogs.onDialog = [&] { shell.host.Deliver(eventClose, shell.host.NewDescriptor()); };
+  shell.tarn.preferences[kPickBestMatchPrefKey] = false;
+  shell.fontManager->Add(41, "Foo-Bold");
+  shell.tarn.onDialog = [&] { shell.host.Deliver(eventClose, shell.host.NewDescriptor()); };
   shell.Open(7, shell.WriteDocument("a.psd", {"Foo-Bold", "Nowhere"}));
   EXPECT_TRUE(Tracked().empty());
-  EXPECT_TRUE(shell.fontManager->calls.empty());
+  EXPECT_EQ(0, shell.fontManager->CountOfCalls("ActivateFontsByID"));
   EXPECT_EQ(0, gOpenDocumentCallCounter);
 }
 
@@ -225,7 +229,7 @@ TEST(MakeEvent, OneUntitledDocumentAtATime) {
 TEST(CloseEvent, LetsEveryVanishedDocumentGo) {
   Shell shell;
   shell.MakeReady();
-  shell.fontManager->fonts = {{"Foo-Bold", {41, false}}};
+  shell.fontManager->Add(41, "Foo-Bold");
   for (int id = 1; id <= 4; ++id) {
     shell.Open(id, shell.WriteDocument(std::to_string(id) + ".psd", {"Foo-Bold"}));
   }
@@ -245,7 +249,7 @@ TEST(CloseEvent, LetsEveryVanishedDocumentGo) {
   ASSERT_EQ(1u, Tracked().size());
   EXPECT_EQ(second, Tracked()[0]->GetDocumentFilePath());
   EXPECT_EQ(1u, FontsOf(Tracked()[0]));
-  EXPECT_EQ(0, shell.fontManager->deactivatedFonts);
+  EXPECT_EQ(kActivationStateActive, shell.fontManager->Find(41)->state);
 }
 
 TEST(SaveEvent, FirstSaveAndSaveAsMoveTheRecord) {

@@ -188,17 +188,17 @@ TEST(HostAccess, RecordsThatNothingIsOpenedFor) {
 TEST(PlayedEvents, CloseAndOpenSpanOneProgressWindow) {
   Shell shell;
   EXPECT_EQ(0, PlayeventOpen("/alone.psd"));
-  EXPECT_TRUE(shell.dialogs.shown.empty());
+  EXPECT_TRUE(shell.tarn.shown.empty());
 
   EXPECT_EQ(0, PlayeventClose());
   const std::vector<std::string> begun = {"TarnShowProgress:indeterminate", "TarnUpdateProgress"};
-  EXPECT_EQ(begun, shell.dialogs.shown);
+  EXPECT_EQ(begun, shell.tarn.shown);
   EXPECT_EQ(0, PlayeventClose());
-  EXPECT_EQ(begun, shell.dialogs.shown);  // one window is enough
+  EXPECT_EQ(begun, shell.tarn.shown);  // one window is enough
   shell.host.playError = kPSEventFailedError;
   EXPECT_NE(0, PlayeventOpen("/caf\x8E.psd"));  // Mac Roman
-  EXPECT_EQ("TarnHideProgress", shell.dialogs.shown.back());
-  EXPECT_EQ(3u, shell.dialogs.shown.size());
+  EXPECT_EQ("TarnHideProgress", shell.tarn.shown.back());
+  EXPECT_EQ(3u, shell.tarn.shown.size());
 
   ASSERT_EQ(4u, shell.host.played.size());
   const auto& close = shell.host.played[1];

@@ -34,11 +34,11 @@ TEST(PluginEntry, OnlyKnownPairsAct) {
                                                         {"SP Access", "Reload"},
                                                         {"", ""}};
   for (const auto& [caller, selector] : others) EXPECT_EQ(0, Call(shell, caller, selector));
-  EXPECT_TRUE(shell.dialogs.shown.empty());
+  EXPECT_TRUE(shell.tarn.shown.empty());
   EXPECT_TRUE(shell.host.notifiers.empty());
   EXPECT_EQ(nullptr, shell.host.Message()->globals);
   EXPECT_EQ(0, Call(shell, "SP Interface", "About"));
-  EXPECT_EQ(std::vector<std::string>{"TarnShowAboutBox"}, shell.dialogs.shown);
+  EXPECT_EQ(std::vector<std::string>{"TarnShowAboutBox"}, shell.tarn.shown);
   EXPECT_EQ(shell.host.Message()->self, gPlugInRef);
   shell.host.Message()->basic = nullptr;
   EXPECT_EQ(kSPBadParameterError, Call(shell, "SP Interface", "About"));
@@ -61,7 +61,7 @@ TEST(PluginEntry, DoItClearsItsParameters) {
 
 TEST(Startup, StartsOnceAndShutsDown) {
   Shell shell;
-  shell.dialogs.numbers = {{"RMF4", 500}, {"RMF5", 9000}};
+  shell.tarn.longPreferences = {{"RMF4", 500}, {"RMF5", 9000}};
   EXPECT_EQ(0, Start(shell));
   EXPECT_EQ(kAllEvents, shell.host.notifiers);
   EXPECT_TRUE(gNotifierOn);
@@ -70,14 +70,15 @@ TEST(Startup, StartsOnceAndShutsDown) {
   EXPECT_EQ(1, shell.host.blocksHeld);
   EXPECT_TRUE(KestraneGlobals::GetSuppressingHostAppDialogs());
   EXPECT_TRUE(FontManagerInterface::AutoActivationIsReady());
-  EXPECT_EQ(4000, shell.dialogs.numbers["RMF4"]);
-  EXPECT_EQ(9000, shell.dialogs.numbers["RMF5"]);
+  EXPECT_EQ(4000, shell.tarn.longPreferences["RMF4"]);
+  EXPECT_EQ(9000, shell.tarn.longPreferences["RMF5"]);
   EXPECT_EQ(std::vector<std::string>{"SetFontAutoActivationStatus(false)"},
-            shell.fontManager->calls);
+            shell.fontManager->CallsOf("SetFontAutoActivationStatus"));
 
   EXPECT_EQ(1u, shell.platform.runLoop.TimerCount());
   shell.platform.runLoop.Advance(0.05);
-  EXPECT_EQ(5, shell.fontManager->ticks);
+  EXPECT_EQ(0, shell.fontManager->CountOfCalls("CheckForWorkgroups"));
+  EXPECT_EQ(5, shell.fontManager->CountOfCalls("ProcessNotifications"));
   shell.platform.sleepWake.Sleep();
   shell.platform.sleepWake.Wake();
   shell.platform.sleepWake.Wake();
@@ -103,7 +104,7 @@ TEST(Startup, StartsOnceAndShutsDown) {
 
 TEST(Startup, DefaultsAreWrittenOnce) {
   Shell shell;
-  shell.dialogs.flags.clear();
+  shell.tarn.preferences.clear();
   EXPECT_EQ(0, Start(shell));
   const std::map<std::string, bool> flags = {{"EnablePlugin", true},
                                              {"EnableFaceprint", true},
@@ -115,28 +116,27 @@ TEST(Startup, DefaultsAreWrittenOnce) {
                                              {"CloseFontsOnDocClose", false},
                                              {"ActivateEntireFamilies", false},
                                              {"DropDownSelection", false}};
-  EXPECT_EQ(flags, shell.dialogs.flags);
-  EXPECT_EQ(260, shell.dialogs.numbers["CS5PanelWidth"]);
-  EXPECT_EQ(350, shell.dialogs.numbers["CS5PanelHeight"]);
-  EXPECT_EQ(4000, shell.dialogs.numbers["RMF4"]);
-  EXPECT_EQ(4000, shell.dialogs.numbers["RMF5"]);
-  shell.dialogs.preferencesExist = true;
-  shell.dialogs.flags["PickBestMatch"] = false;
+  EXPECT_EQ(flags, shell.tarn.preferences);
+  EXPECT_EQ(260, shell.tarn.longPreferences["CS5PanelWidth"]);
+  EXPECT_EQ(350, shell.tarn.longPreferences["CS5PanelHeight"]);
+  EXPECT_EQ(4000, shell.tarn.longPreferences["RMF4"]);
+  EXPECT_EQ(4000, shell.tarn.longPreferences["RMF5"]);
+  shell.tarn.preferences["PickBestMatch"] = false;
   EXPECT_FALSE(CommonFunctionality::InitializeCommonPreferences());
-  EXPECT_FALSE(shell.dialogs.flags["PickBestMatch"]);
+  EXPECT_FALSE(shell.tarn.preferences["PickBestMatch"]);
 }
 
 TEST(Startup, WithoutFontManagerItStaysLoadedAndSilent) {
   Shell shell;
   shell.fontManager->running = false;
-  shell.dialogs.numbers["RMF5"] = 500;
+  shell.tarn.longPreferences["RMF5"] = 500;
   EXPECT_EQ(0, Start(shell));
   EXPECT_EQ(kAllEvents, shell.host.notifiers);
   EXPECT_FALSE(KestraneGlobals::ArePluginServicesEnabled());
   EXPECT_FALSE(KestraneGlobals::GetConnectedToCore());
   EXPECT_EQ(std::vector<std::string>{"TarnShowMessageBox:KestraneOldVersionMessage"},
-            shell.dialogs.shown);
-  EXPECT_EQ(500, shell.dialogs.numbers["RMF5"]);  // the sequence ended before
+            shell.tarn.shown);
+  EXPECT_EQ(500, shell.tarn.longPreferences["RMF5"]);  // the sequence ended before
   const std::size_t reads = shell.host.reads;
   shell.Open(1, shell.WriteDocument("a.psd", {"Foo-Bold"}));
   shell.host.Deliver(eventClose, shell.host.NewDescriptor());
@@ -158,11 +158,12 @@ TEST(Startup, NotLoggedIn) {
   shell.fontManager->loggedIn = false;
   EXPECT_EQ(CommonFunctionality::kStartupNotLoggedIn, CommonFunctionality::Startup(true));
   EXPECT_EQ(std::vector<std::string>{"TarnShowMessageBox:NotLoggedInPluginDisabledMessage"},
-            shell.dialogs.shown);
+            shell.tarn.shown);
   EXPECT_FALSE(KestraneGlobals::GetLoggedIn());
   EXPECT_FALSE(KestraneGlobals::ArePluginServicesEnabled());
   EXPECT_EQ(std::vector<std::string>{"SetFontAutoActivationStatus(false)"},
-            shell.fontManager->calls);  // and no question for workgroups
+            shell.fontManager->CallsOf("SetFontAutoActivationStatus"));
+  EXPECT_EQ(0, shell.fontManager->CountOfCalls("CheckForWorkgroups"));
 }
 
 TEST(Startup, NoWorkgroupsOfAServer) {
@@ -170,8 +171,8 @@ TEST(Startup, NoWorkgroupsOfAServer) {
   shell.fontManager->standalone = false;
   shell.fontManager->hasWorkgroups = false;
   EXPECT_EQ(CommonFunctionality::kStartupNoWorkgroups, CommonFunctionality::Startup(false));
-  EXPECT_TRUE(shell.dialogs.shown.empty());
-  EXPECT_EQ("CheckForWorkgroups", shell.fontManager->calls.back());
+  EXPECT_TRUE(shell.tarn.shown.empty());
+  EXPECT_EQ(1, shell.fontManager->CountOfCalls("CheckForWorkgroups"));
 }
 
 TEST(Startup, WithoutBlocksOnlyTheNotifiersStart) {
@@ -219,12 +220,12 @@ TEST(StaticPluginInitializer, TellsWhoThePluginIs) {
     const char* path;
   };
   constexpr const char* kExecutable = "/x/Other.plugin/Contents/Linux/Other";
-  const Case cases[] = {{FakeDialogFramework::kPluginBundleID, "22.0.1", "PhotoshopCC2021",
+  const Case cases[] = {{FakeBundles::kPluginBundleID, "22.0.1", "PhotoshopCC2021",
                          "/host/Plug-ins/AutoActivation.plugin/Contents/Linux/AutoActivation"},
                         {kExecutable, "3.2", "IllustratorCC2018", kExecutable},
                         {"/nowhere/file", "x.x.x.x", "", "/nowhere/file"}};
   FakePlatform platform;
-  FakeDialogFramework dialogs(platform);
+  platform.bundles.Plugin();
   platform.bundles.Add("/x/Other.plugin", "com.other").values = {
       {"CFBundleShortVersionString", "3.2"}, {"HostApp", "IllustratorCC2018"}};
   for (const Case& expected : cases) {

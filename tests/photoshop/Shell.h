@@ -1,5 +1,6 @@
-// The shell in a host of its own: suites, platform, dialog framework and font manager of the
-// tests, ready for work. State of the shell lives as long as its process: one test case a process.
+// The shell of an identified plug-in in a host of its own: suites, dialog framework and font
+// manager of the tests, ready for work. State of the shell lives as long as its process: one test
+// case a process.
 #pragma once
 
 #include <memory>
@@ -10,29 +11,25 @@
 #include "photoshop/AutoSuite.h"
 #include "photoshop/CompositionRoot.h"
 #include "photoshop/DocumentEvents.h"
-#include "photoshop/FakeFontManager.h"
-#include "state/KestraneGlobals.h"
-#include "support/FakeDialogFramework.h"
-#include "support/FakePlatform.h"
+#include "support/FakeFontManager.h"
 #include "support/FakeSuites.h"
-#include "support/ScratchHome.h"
+#include "support/FakeTarn.h"
+#include "support/FontNamingDocument.h"
+#include "support/IdentifiedPlugin.h"
 
-struct Shell {
-  explicit Shell(bool withFramework = true) : dialogs(platform, withFramework) {
-    KestraneGlobals::IdentifyPluginBundleID(FakeDialogFramework::kPluginBundleID);
-    KestraneGlobals::IdentifyPluginHostApp("PhotoshopCC2021");
-    KestraneGlobals::IdentifyPluginVersion("22.0.1");
+struct Shell : IdentifiedPlugin {
+  explicit Shell(bool withFramework = true) {
+    if (withFramework) tarn.Install(platform);
     InstallHostAppInterface();
-    dialogs.flags[kEnablePluginPrefKey] = true;
-    dialogs.flags[kPickBestMatchPrefKey] = true;
-    fontManager = new FakeFontManager;
-    FontManagerInterface::ExchangeFontManager(fontManager);
+    tarn.preferences = {{kEnablePluginPrefKey, true}, {kPickBestMatchPrefKey, true}};
+    fontManager->workgroups = {{"1", "Mine"}};
+    fontManager->canActivateFromAll = true;
     sSPBasic = host.Basic();
   }
   ~Shell() {
     PIUSuitesRelease();
     sSPBasic = nullptr;
-    delete FontManagerInterface::ExchangeFontManager(nullptr);
+    delete FontManagerInterface::GetFontManager();
   }
 
   // As after a start that went well, with the notifiers in place.
@@ -46,15 +43,9 @@ struct Shell {
                      {eventSave, SaveEvent}};
   }
 
-  // A document that uses the fonts, on disk; names are ASCII.
-  std::string WriteDocument(const std::string& name, std::initializer_list<const char*> fontNames) {
-    std::string bytes = "8BPS /FontSet [ ";
-    for (const char* font : fontNames) {
-      bytes += "<< /Name (\xFE\xFF";
-      for (const char* c = font; *c; ++c) bytes += {'\0', *c};
-      bytes += ") >> ";
-    }
-    return home.WriteFile(name, bytes + "]");
+  // A document that uses the fonts, on disk.
+  std::string WriteDocument(const std::string& name, const std::vector<std::string>& fonts) {
+    return home.WriteFile(name, DocumentNaming(fonts));
   }
   // The host takes a document in as the current one, and tells.
   void Open(int id, const std::string& path) {
@@ -68,9 +59,7 @@ struct Shell {
     host.Deliver(eventClose, host.NewDescriptor());
   }
 
-  ScratchHome home;
-  FakePlatform platform;
   FakeSuites host;
-  FakeDialogFramework dialogs;
-  FakeFontManager* fontManager = nullptr;  // owned by FontManagerInterface
+  FakeTarn tarn;
+  FakeFontManager* fontManager = new FakeFontManager;  // owned by FontManagerInterface
 };

@@ -7,28 +7,25 @@
 
 #include "platform/linux/FontconfigFontLookup.h"
 #include "platform/linux/StderrMessageBox.h"
-#include "support/RunProgram.h"
 #include "support/ScratchHome.h"
+#include "support/TestFonts.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 // A font file outside the folders that fontconfig looks at.
-std::string BuildFont(const ScratchHome& home, const std::string& postScriptName) {
+std::string BuildUnseenFont(const ScratchHome& home, const std::string& postScriptName) {
   const std::string path = home.MakeFolder("built") + "/" + postScriptName + ".ttf";
-  const ProgramResult result =
-      RunProgram({"/usr/bin/python3", TEST_SOURCE_DIR "/tools/fonts/make_font.py", "--family",
-                  "Lookup Test", "--psname", postScriptName, "--format", "ttf", path});
-  EXPECT_EQ(result.exitCode, 0) << result.error;
+  BuildFont(path, postScriptName);
   return path;
 }
 
 TEST(FontLookup, TheNextQuestionSeesEveryChange) {
   ScratchHome home;
-  const std::string first = BuildFont(home, "LookupTest-One");
-  const std::string second = BuildFont(home, "LookupTest-Two");
-  const std::string third = BuildFont(home, "LookupTest-Three");
+  const std::string first = BuildUnseenFont(home, "LookupTest-One");
+  const std::string second = BuildUnseenFont(home, "LookupTest-Two");
+  const std::string third = BuildUnseenFont(home, "LookupTest-Three");
   FontconfigFontLookup lookup;
   EXPECT_FALSE(lookup.IsVisible("LookupTest-One"));
 
@@ -37,7 +34,7 @@ TEST(FontLookup, TheNextQuestionSeesEveryChange) {
   fs::rename(first, shard + "/one.ttf");
   EXPECT_TRUE(lookup.IsVisible("LookupTest-One"));
   EXPECT_FALSE(lookup.IsVisible("lookuptest-one"));
-  EXPECT_FALSE(lookup.IsVisible("Lookup Test"));
+  EXPECT_FALSE(lookup.IsVisible("Test LookupTest-One"));
   EXPECT_FALSE(lookup.IsVisible("LookupTest-Two"));
 
   // Long after the last change the times alone must tell.

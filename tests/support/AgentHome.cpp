@@ -1,36 +1,23 @@
 #include "support/AgentHome.h"
 
-#include <gio/gio.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <stdlib.h>
+
+#include <iostream>
 
 #include "agent/library/Paths.h"
 
-AgentHome::AgentHome() {
-  mHome.MakeFolder("system");
-  mHome.MakeFolder("library");
-  // fontconfig's "xdg" folders are these too.
-  setenv("XDG_DATA_DIRS", mHome.MakeFolder("data").c_str(), 1);
-  setenv("FONTCONFIG_FILE",
-         mHome
-             .WriteFile("fonts.conf",
-                        "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\">"
-                        "<fontconfig><dir>" +
-                            mHome.Path() +
-                            "/system</dir><dir prefix=\"xdg\">fonts</dir>"
-                            "<cachedir prefix=\"xdg\">fontconfig</cachedir></fontconfig>")
-             .c_str(),
-         1);
-}
+AgentHome::AgentHome() { mHome.MakeFolder("library"); }
 
 AgentHome::~AgentHome() {
-  if (mAgent) mAgent->Signal(SIGTERM);
-  if (mAgent) mAgent->Wait();
+  if (!mAgent) return;
+  mAgent->Signal(SIGTERM);
+  const ProgramResult result = mAgent->Wait();
+  if (testing::Test::HasFailure()) std::cerr << "The agent wrote: " << result.error << '\n';
 }
 
 void AgentHome::StartAgent() {
-  mAgent = std::make_unique<ChildProcess>(std::vector<std::string>{TEST_BUILD_DIR "/bin/Nodrix"});
+  mAgent = std::make_unique<Program>(std::vector<std::string>{TEST_BUILD_DIR "/bin/Nodrix"});
 }
 
 void AgentHome::KillAgent() {
@@ -66,8 +53,4 @@ std::uint32_t AgentHome::FontID(const std::string& postScriptName) {
   if (!reader) return 0;
   const auto ids = reader->FontsByPostScriptName(postScriptName, {});
   return ids.size() == 1 ? ids[0] : 0;
-}
-
-std::string AgentHome::MatchedFile(const std::string& postScriptName) const {
-  return OutputOf({"/usr/bin/fc-match", "-f", "%{file}", ":postscriptname=" + postScriptName});
 }

@@ -1,6 +1,5 @@
-// A home with a font manager of its own: a private fontconfig whose system fonts are a folder of
-// the home, and an agent that a test starts and ends. The machine's fonts and agent are not
-// touched.
+// A home with a font manager of its own: an agent that a test starts and ends. The machine's agent
+// is not touched.
 #pragma once
 
 #include <memory>
@@ -8,8 +7,8 @@
 
 #include "agent/library/AgentClient.h"
 #include "agent/library/LibraryReader.h"
-#include "support/ChildProcess.h"
 #include "support/Eventually.h"
+#include "support/RunProgram.h"
 #include "support/ScratchHome.h"
 
 class AgentHome {
@@ -19,13 +18,13 @@ class AgentHome {
 
   const ScratchHome& Home() const { return mHome; }
   // A path in the folder of the system's fonts, and in one that a test adds to the library.
-  std::string SystemPath(const std::string& name) const { return mHome.Path() + "/system/" + name; }
+  std::string SystemPath(const std::string& name) const { return mHome.SystemFonts() + "/" + name; }
   std::string LibraryPath(const std::string& name) const {
     return mHome.Path() + "/library/" + name;
   }
 
   void StartAgent();
-  ChildProcess& Agent() { return *mAgent; }
+  Program& Agent() { return *mAgent; }
   void KillAgent();  // as a crash does
   // A client; fails the test and gives null if there is no agent within half a minute.
   std::unique_ptr<Nodrix::AgentClient> Connect(const std::string& name = "test");
@@ -34,10 +33,8 @@ class AgentHome {
   Nodrix::ScanOutcome AddLibrary(Nodrix::AgentClient& client);
   // The one font of this name; 0 if there is none, or more than one.
   std::uint32_t FontID(const std::string& postScriptName);
-  // The file that another program gets for this name, from its own process.
-  std::string MatchedFile(const std::string& postScriptName) const;
 
  private:
   ScratchHome mHome;
-  std::unique_ptr<ChildProcess> mAgent;
+  std::unique_ptr<Program> mAgent;
 };

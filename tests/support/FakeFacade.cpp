@@ -23,13 +23,13 @@ FakeFacade::~FakeFacade() {
 FakeFacade& FakeFacade::Current() { return *sCurrent; }
 
 void FakeFacade::Install(FakePlatform& platform) {
-  FakeBundle& plugin = platform.bundles.AddLoaded(kPluginPath, kPluginBundleID);
+  const FakeBundle& plugin = platform.bundles.Plugin();
   FakeBundle& library = platform.bundles.Add(
       plugin.PrivateFrameworksPath() + "/VendrelPluginInterface.framework", kLibraryBundleID);
   library.values["CFBundleShortVersionString"] = version;
   library.symbols = FakeFacadeSymbols();
   for (const std::string& name : missing) library.symbols.erase(name);
-  KestraneGlobals::IdentifyPluginBundleID(kPluginBundleID);
+  KestraneGlobals::IdentifyPluginBundleID(FakeBundles::kPluginBundleID);
   mInstalled = true;
   SkerryLoader::GetSharedInstance();
 }

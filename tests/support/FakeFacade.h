@@ -30,8 +30,6 @@ class FakePlatform;
 
 class FakeFacade {
  public:
-  static constexpr const char* kPluginBundleID = "com.vendrel.AutoActivationPlugin.PS22";
-  static constexpr const char* kPluginPath = "/opt/host/AutoActivation.plugin";
   static constexpr const char* kLibraryBundleID = "com.vendrel.VendrelPluginInterface";
 
   struct Font {

@@ -24,7 +24,7 @@ FakeFontManager::Font& FakeFontManager::Add(
   FontRecord info = FaceprintSupport::CreateFaceprintDictionary(name.c_str());
   SetRecordNumber(info, kFP_DatabaseIDKey, id);
   for (const auto& [key, value] : entries) info->Set(key, value);
-  return fonts.emplace_back(Font{id, state, info});
+  return fonts.emplace_back(Font{id, state, info, {}});
 }
 
 FakeFontManager::Font* FakeFontManager::Find(std::uint32_t id) {
@@ -52,10 +52,11 @@ std::vector<std::string> FakeFontManager::CallsOf(const std::string& operation) 
 }
 
 int FakeFontManager::Call(const std::string& operation, const std::string& arguments) {
-  calls.push_back(operation + "(" + arguments + ")");
+  const std::string call = operation + "(" + arguments + ")";
+  calls.push_back(call);
   const int nth = ++mCounts[operation];
-  for (const int key : {nth, 0}) {
-    const auto failure = mFailures.find({operation, key});
+  for (const auto& key : {std::pair(operation, nth), {operation, 0}, {call, 0}}) {
+    const auto failure = mFailures.find(key);
     if (failure == mFailures.end()) continue;
     if (failure->second == kThrow) throw std::runtime_error(operation);
     return failure->second;
@@ -110,7 +111,8 @@ int FakeFontManager::ActivateFontsByID(const FontRecordArray& asked, const std::
   for (int i = 0; i < total; ++i) {
     const FontRecord font = asked->DictionaryAt(static_cast<std::size_t>(i));
     const std::uint32_t id = RecordDatabaseID(font);
-    progress(i + 1, total, RecordString(font, kFP_PostScriptNameKey), progressContext);
+    if (progress)
+      progress(i + 1, total, RecordString(font, kFP_PostScriptNameKey), progressContext);
     if (refused.contains(id) && outSecond) {
       outSecond->Append(font);
     } else if (!unable.contains(id) && Find(id) != nullptr) {
@@ -155,7 +157,7 @@ void FakeFontManager::FinishClosingFontsForDocument(const std::string& document,
 int FakeFontManager::CountNamedFonts(const std::string& name, TypeOfFontName type, long,
                                      long& outCount, const std::string&) {
   outCount = static_cast<long>(Named(name, type).size());
-  return Call("CountNamedFonts", name);
+  return Call("CountNamedFonts", (type == kFamilyFontName ? "F:" : "P:") + name);
 }
 
 int FakeFontManager::GetNamedFontInfo(const std::string& name, TypeOfFontName type, long,
@@ -173,16 +175,19 @@ int FakeFontManager::GetPostscriptNameByID(std::string& outName, long, std::uint
   return 0;
 }
 
-int FakeFontManager::GetFaceprintInfo(std::uint32_t, const FontRecord& font, char* buffer,
-                                      std::size_t& ioSize) {
+int FakeFontManager::GetFaceprintInfo(std::uint32_t databaseID, const FontRecord& font,
+                                      char* buffer, std::size_t& ioSize) {
   if (const int code = Call("GetFaceprintInfo", "")) return code;
-  FontRecordArray slug = MakeFontRecordArray();
-  slug->Append(font);
-  std::string xml;
-  FaceprintSupport::CreateXMLFaceprintSlug(slug, &xml);
-  if (xml.size() > ioSize) return kErrorGeneral;
-  std::memcpy(buffer, xml.data(), xml.size());
-  ioSize = xml.size();
+  std::string text = Find(databaseID) != nullptr ? Find(databaseID)->slug : "";
+  if (text.empty()) {
+    const FontRecordArray slug = MakeFontRecordArray();
+    slug->Append(font);
+    FaceprintSupport::CreateXMLFaceprintSlug(slug, &text);
+  }
+  // A text that doesn't fit is no text.
+  const bool fits = text.size() < ioSize;
+  if (fits) std::memcpy(buffer, text.c_str(), text.size() + 1);
+  ioSize = fits ? text.size() : 0;
   return 0;
 }
 

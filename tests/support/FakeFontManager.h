@@ -5,6 +5,7 @@
 //   FakeFontManager manager;
 //   manager.Add(7, "Foo-Bold", {{kFP_FoundryKey, "Adobe"}});
 //   manager.FailAt("CountNamedFonts", 2, kErrorKestraneNotRunning);
+//   manager.FailAt("CountNamedFonts(F:Foo)", 0, kErrorGeneral);
 #pragma once
 
 #include <initializer_list>
@@ -22,6 +23,7 @@ class FakeFontManager : public FontManagerInterface {
     std::uint32_t id = 0;
     std::uint16_t state = kActivationStateInactive;
     FontRecord info;
+    std::string slug;  // what GetFaceprintInfo answers, if not the record's own text
   };
 
   FakeFontManager() : mOld(ExchangeFontManager(this)) {}
@@ -34,7 +36,8 @@ class FakeFontManager : public FontManagerInterface {
             std::initializer_list<std::pair<const char*, const char*>> entries = {},
             std::uint16_t state = kActivationStateInactive);
   Font* Find(std::uint32_t id);
-  // Answers `code` at the nth call of the operation, 1 being the first; 0 means at every call.
+  // Answers `code` at the nth call of the operation, 1 being the first; 0 means at every call. An
+  // operation with its arguments in brackets, as it is recorded, fails at every such call.
   void FailAt(const std::string& operation, int nth, int code);
   // Throws at the nth call instead.
   void ThrowAt(const std::string& operation, int nth) { FailAt(operation, nth, kThrow); }
@@ -51,11 +54,28 @@ class FakeFontManager : public FontManagerInterface {
   bool connected = true;
   bool coreAgent = true;
   bool online = true;
-  std::vector<std::string> calls;  // "DeactivateFonts(3,4)", in order
+  bool running = true;
+  bool loggedIn = true;
+  bool standalone = true;
+  bool hasWorkgroups = true;        // CheckForWorkgroups
+  bool canActivateFromAll = false;  // workgroups
+  long disabledWorkgroupType = -1;  // of remote ones
+  std::vector<std::string> calls;   // "DeactivateFonts(3,4)", in order
 
   bool ConnectedToCoreAgent() override { return coreAgent; }
   bool IsFontManagerConnected() override { return connected; }
   bool IsOnline() override { return online; }
+  bool IsRunning() override { return running; }
+  bool IsLoggedIn() override { return loggedIn; }
+  bool RunningStandalone() override { return standalone; }
+  bool CanActivateFromAllWorkgroups() override { return canActivateFromAll; }
+  bool CanExportFromWorkgroup(const FontRecordArray&) override { return true; }
+  bool IsRemoteWorkgroupTypeDisabled(long type) override { return type == disabledWorkgroupType; }
+  bool CheckForWorkgroups() override { return Call("CheckForWorkgroups", ""), hasWorkgroups; }
+  int SetFontAutoActivationStatus(bool isOn) override {
+    return Call("SetFontAutoActivationStatus", isOn ? "true" : "false");
+  }
+  int ProcessNotifications() override { return Call("ProcessNotifications", ""); }
   int GoOnline() override { return Call("GoOnline", ""); }
   int FontIDsForPostScriptName(const std::string& name, long workgroupID, FontIDs& outIDs) override;
   int FontIDsForFamilyName(const std::string& name, long workgroupID, FontIDs& outIDs) override;
@@ -82,6 +102,7 @@ class FakeFontManager : public FontManagerInterface {
   int GetPostscriptNameByID(std::string& outName, long workgroupID, std::uint32_t fontID) override;
   int GetFaceprintInfo(std::uint32_t databaseID, const FontRecord& font, char* buffer,
                        std::size_t& ioSize) override;
+  int EndGetFaceprintInfo(const std::string&) override { return Call("EndGetFaceprintInfo", ""); }
   int FindFontsInSameFamilyForActivation(const FontRecord& font, const FontRecordArray& excluded,
                                          long workgroupID,
                                          const FontRecordArray& outFonts) override;

@@ -149,6 +149,14 @@ FakeBundle& FakeBundles::AddLoaded(const std::string& path, const std::string& i
   return bundle;
 }
 
+FakeBundle& FakeBundles::Plugin() {
+  if (!mPlugin) {
+    mPlugin = &AddLoaded(kPluginPath, kPluginBundleID);
+    mPlugin->values = {{"CFBundleShortVersionString", "22.0.1"}, {"HostApp", "PhotoshopCC2021"}};
+  }
+  return *mPlugin;
+}
+
 std::shared_ptr<Bundle> FakeBundles::FindByIdentifier(const std::string& identifier) {
   for (const auto& bundle : mBundles) {
     if (bundle->loaded && bundle->identifier == identifier) return bundle;

@@ -98,6 +98,9 @@ class FakeBundle : public Bundle {
 
 class FakeBundles : public BundleLayer {
  public:
+  static constexpr const char* kPluginBundleID = "com.vendrel.AutoActivationPlugin.PS22";
+  static constexpr const char* kPluginPath = "/host/Plug-ins/AutoActivation.plugin";
+
   std::string systemFrameworksPath = "/usr/lib/vendrel/Frameworks";
   std::vector<std::string> openedPaths;  // every path that was asked for, found or not
 
@@ -105,6 +108,8 @@ class FakeBundles : public BundleLayer {
   FakeBundle& Add(const std::string& path, const std::string& identifier);
   // One whose code is in the process already.
   FakeBundle& AddLoaded(const std::string& path, const std::string& identifier);
+  // The plug-in's own bundle, version 22.0.1 for PhotoshopCC2021; made at the first call.
+  FakeBundle& Plugin();
 
   std::shared_ptr<Bundle> FindByIdentifier(const std::string& identifier) override;
   std::shared_ptr<Bundle> Open(const std::string& path) override;
@@ -113,6 +118,7 @@ class FakeBundles : public BundleLayer {
 
  private:
   std::vector<std::shared_ptr<FakeBundle>> mBundles;
+  FakeBundle* mPlugin = nullptr;
 };
 
 class FakeProcess : public Process {

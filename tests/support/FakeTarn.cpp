@@ -1,5 +1,7 @@
 #include "support/FakeTarn.h"
 
+#include <algorithm>
+
 #include "support/FakePlatform.h"
 
 #define TARN_NO_PROTOTYPES
@@ -11,9 +13,22 @@ FakeTarn* sCurrent = nullptr;
 
 FakeTarn& Tarn() { return FakeTarn::Current(); }
 
+void Show(const std::string& what) {
+  Tarn().shown.push_back(what);
+  if (Tarn().onDialog) Tarn().onDialog();
+}
+
+template <typename Value>
+Value Stored(const std::map<std::string, Value>& values, const char* key) {
+  const auto found = values.find(key);
+  return found == values.end() ? Value() : found->second;
+}
+
 PLStringRef MakeString(const std::string& text) { return PLStringCreate(text.data(), text.size()); }
 
-bool TarnIsVersionCompatible(const char* version) { return std::string(version) == kTarnVersion; }
+bool TarnIsVersionCompatible(const char* version) {
+  return Tarn().isCompatible && std::string(version) == kTarnVersion;
+}
 
 void TarnSetHostDetails(PLDictionaryRef details) {
   for (std::size_t i = 0; i < PLDictionaryGetCount(details); ++i) {
@@ -25,22 +40,25 @@ void TarnSetHostDetails(PLDictionaryRef details) {
 
 std::int32_t TarnInitializeFramework(PLDictionaryRef details) {
   TarnSetHostDetails(details);
-  return 0;
+  return Tarn().startCode;
 }
 
 PLStringRef TarnLocalizedString(const char* key) {
+  if (Tarn().unknownTexts.contains(key)) return nullptr;
   const auto found = Tarn().texts.find(key);
   return MakeString(found == Tarn().texts.end() ? key : found->second);
 }
 
-std::int8_t TarnGetPreferenceForKey(const char* key) { return Tarn().preferences[key] ? 1 : 0; }
+std::int8_t TarnGetPreferenceForKey(const char* key) {
+  return Stored(Tarn().preferences, key) ? 1 : 0;
+}
 
 void TarnSetPreferenceForKey(const char* key, std::int8_t value) {
   Tarn().preferences[key] = value != 0;
 }
 
 std::int32_t TarnGetLongPreferenceForKey(const char* key) {
-  return static_cast<std::int32_t>(Tarn().longPreferences[key]);
+  return static_cast<std::int32_t>(Stored(Tarn().longPreferences, key));
 }
 
 void TarnSetLongPreferenceForKey(const char* key, std::int32_t value) {
@@ -56,16 +74,27 @@ void TarnSetStringPreferenceForKey(const char* key, const char* value) {
   Tarn().stringPreferences[key] = value;
 }
 
-bool TarnDoPreferencesExist() { return !Tarn().preferences.empty(); }
+bool TarnDoPreferencesExist() { return Tarn().preferences.contains(kTarnLastDefaultPreference); }
+
+void TarnShowAboutBox() { Show("TarnShowAboutBox"); }
 
 std::int32_t TarnShowMessageBox(const char* title, const char* message, std::uint32_t style) {
-  Tarn().messages.push_back({title ? title : "", message ? message : "", style});
-  if (Tarn().onMessage) Tarn().onMessage();
+  Tarn().messages.push_back({title ? title : "-", message ? message : "", style});
+  Show("TarnShowMessageBox:" + Tarn().messages.back().message);
   return Tarn().button;
 }
 
-void TarnShowProgress(PLDictionaryRef) { ++Tarn().progressShown; }
-void TarnHideProgress() { ++Tarn().progressHidden; }
+void TarnShowResolveFonts(PLArrayRef) { Show("TarnShowResolveFonts"); }
+void TarnShowRestrictedFonts(PLArrayRef) { Show("TarnShowRestrictedFonts"); }
+
+void TarnShowProgress(PLDictionaryRef progress) {
+  std::int64_t indeterminate = 0;
+  PLDictionaryGetInteger(progress, kTarnIsIndeterminate, &indeterminate);
+  Show(indeterminate != 0 ? "TarnShowProgress:indeterminate" : "TarnShowProgress");
+}
+
+void TarnUpdateProgress(PLDictionaryRef) { Show("TarnUpdateProgress"); }
+void TarnHideProgress() { Show("TarnHideProgress"); }
 void TarnSetIsOnline(bool isOnline) { Tarn().onlineStates.push_back(isOnline); }
 
 std::vector<std::string> Take(std::vector<FakeTarn::Message>& messages,
@@ -83,9 +112,12 @@ FakeTarn::~FakeTarn() { sCurrent = nullptr; }
 FakeTarn& FakeTarn::Current() { return *sCurrent; }
 
 void FakeTarn::Install(FakePlatform& platform) {
+  InstallIn(platform, platform.bundles.systemFrameworksPath);
+}
+
+FakeBundle& FakeTarn::InstallIn(FakePlatform& platform, const std::string& folder) {
   FakeBundle& bundle =
-      platform.bundles.Add(platform.bundles.systemFrameworksPath + "/VendrelPlugins.framework",
-                           "com.vendrel.VendrelPlugins");
+      platform.bundles.Add(folder + "/VendrelPlugins.framework", "com.vendrel.VendrelPlugins");
 #define FAKE_ENTRY_POINT(name) bundle.symbols[#name] = reinterpret_cast<void*>(&name);
   FAKE_ENTRY_POINT(TarnIsVersionCompatible)
   FAKE_ENTRY_POINT(TarnInitializeFramework)
@@ -98,12 +130,21 @@ void FakeTarn::Install(FakePlatform& platform) {
   FAKE_ENTRY_POINT(TarnGetStringPreferenceForKey)
   FAKE_ENTRY_POINT(TarnSetStringPreferenceForKey)
   FAKE_ENTRY_POINT(TarnDoPreferencesExist)
+  FAKE_ENTRY_POINT(TarnShowAboutBox)
   FAKE_ENTRY_POINT(TarnShowMessageBox)
+  FAKE_ENTRY_POINT(TarnShowResolveFonts)
+  FAKE_ENTRY_POINT(TarnShowRestrictedFonts)
   FAKE_ENTRY_POINT(TarnShowProgress)
+  FAKE_ENTRY_POINT(TarnUpdateProgress)
   FAKE_ENTRY_POINT(TarnHideProgress)
   FAKE_ENTRY_POINT(TarnSetIsOnline)
 #undef FAKE_ENTRY_POINT
+  return bundle;
 }
 
 std::vector<std::string> FakeTarn::TakeTitles() { return Take(messages, &Message::title); }
 std::vector<std::string> FakeTarn::TakeMessages() { return Take(messages, &Message::message); }
+
+std::ptrdiff_t FakeTarn::CountShown(const std::string& what) const {
+  return std::ranges::count(shown, what);
+}

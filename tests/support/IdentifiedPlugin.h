@@ -1,5 +1,6 @@
 // A plug-in that knows who it is, in a home and on a platform of its own: as much as the rooms
-// below the font manager need. No facade and no dialog framework are found.
+// below the font manager need, and the ground of PluginWorld and Shell. No facade and no dialog
+// framework are found.
 #pragma once
 
 #include "state/KestraneGlobals.h"
@@ -7,7 +8,12 @@
 #include "support/ScratchHome.h"
 
 struct IdentifiedPlugin {
-  IdentifiedPlugin() { KestraneGlobals::IdentifyPluginBundleID("com.vendrel.test.photoshop"); }
+  IdentifiedPlugin() {
+    const FakeBundle& bundle = platform.bundles.Plugin();
+    KestraneGlobals::IdentifyPluginBundleID(bundle.identifier);
+    KestraneGlobals::IdentifyPluginHostApp(*bundle.Value("HostApp"));
+    KestraneGlobals::IdentifyPluginVersion(*bundle.Value("CFBundleShortVersionString"));
+  }
 
   ScratchHome home;
   FakePlatform platform;

@@ -1,6 +1,5 @@
-// Everything around the plug-in for one test: a home, a platform, a dialog framework and a facade
-// library, with the plug-in identified, logged in, enabled and in a workgroup. The end of it cleans
-// up what is shared.
+// An identified plug-in with a dialog framework and a facade library around it, logged in, enabled
+// and in a workgroup. The end of it cleans up what is shared.
 //
 //   PluginWorld world;
 //   world.facade.missing = {"GetIsOnline"};
@@ -10,18 +9,13 @@
 #include "dialogs/TarnInterface.h"
 #include "fontmanager/FontManagerInterface.h"
 #include "foundation/PluginLog.h"
-#include "state/KestraneGlobals.h"
 #include "support/FakeFacade.h"
-#include "support/FakePlatform.h"
 #include "support/FakeTarn.h"
-#include "support/ScratchHome.h"
+#include "support/IdentifiedPlugin.h"
 
-class PluginWorld {
+class PluginWorld : public IdentifiedPlugin {
  public:
   PluginWorld() {
-    KestraneGlobals::IdentifyPluginBundleID(FakeFacade::kPluginBundleID);
-    KestraneGlobals::IdentifyPluginHostApp("PhotoshopCC2021");
-    KestraneGlobals::IdentifyPluginVersion("22.0.1");
     tarn.preferences[kEnablePluginPrefKey] = true;
     tarn.Install(platform);
     SetState(true);
@@ -43,8 +37,6 @@ class PluginWorld {
     StartLogging();
   }
 
-  ScratchHome home;
-  FakePlatform platform;
   FakeTarn tarn;
   FakeFacade facade;
 

@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 #include <thread>
 
@@ -27,8 +26,9 @@ struct Pipe {
   }
 };
 
-[[noreturn]] void RunChild(const std::vector<std::string>& arguments, bool asUser, const Pipe& in,
-                           const Pipe& out, const Pipe& error) {
+// Between fork and exec: other threads of the test may hold locks, so nothing is allocated here.
+[[noreturn]] void RunChild(char* const* argv, bool asUser, const Pipe& in, const Pipe& out,
+                           const Pipe& error) {
   dup2(in.ends[0], STDIN_FILENO);
   dup2(out.ends[1], STDOUT_FILENO);
   dup2(error.ends[1], STDERR_FILENO);
@@ -36,10 +36,7 @@ struct Pipe {
   if (asUser && geteuid() == 0) {
     if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0) _exit(126);
   }
-  std::vector<char*> argv;
-  for (const std::string& argument : arguments) argv.push_back(strdup(argument.c_str()));
-  argv.push_back(nullptr);
-  execvp(argv[0], argv.data());
+  execvp(argv[0], argv);
   _exit(127);
 }
 
@@ -59,10 +56,13 @@ bool ReadAvailable(int& descriptor, std::string& text) {
 }  // namespace
 
 Program::Program(const std::vector<std::string>& arguments, const Options& options) {
+  std::vector<char*> argv;
+  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
   const Pipe in, out, error;
   mPid = fork();
   if (mPid < 0) throw std::runtime_error("no fork");
-  if (mPid == 0) RunChild(arguments, options.asUser, in, out, error);
+  if (mPid == 0) RunChild(argv.data(), options.asUser, in, out, error);
   close(in.ends[0]);
   close(out.ends[1]);
   close(error.ends[1]);
@@ -105,6 +105,7 @@ bool Program::WaitForOutput(const std::string& text) {
 }
 
 ProgramResult Program::Wait() {
+  if (mPid < 0) return mResult;
   const auto bound = Clock::now() + kEndBound;
   int status = 0;
   bool ended = false;

@@ -12,7 +12,10 @@ struct ProgramResult {
   std::string error;
 };
 
-// One program from its start to its end; killed with the object.
+// One program from its start to its end; killed with the object. It is looked for in PATH, gets the
+// present environment and a session of its own; one that can't be started ends with 127. What it
+// writes is read by the waiting functions only: one that writes more than a pipe holds stops until
+// then.
 class Program {
  public:
   struct Options {
@@ -31,7 +34,7 @@ class Program {
   // Waits until standard output holds the text; false if the program ended or 30 seconds passed
   // before.
   bool WaitForOutput(const std::string& text);
-  // Waits for the end, at most 60 seconds; then it is killed.
+  // Waits for the end, at most 60 seconds; then it is killed. Once it has ended, what it left.
   ProgramResult Wait();
 
  private:

@@ -24,6 +24,8 @@ ScratchHome::ScratchHome() {
   set("XDG_STATE_HOME", ".local/state", fs::perms::owner_all);
   set("XDG_CACHE_HOME", ".cache", fs::perms::owner_all);
   set("XDG_RUNTIME_DIR", "run", fs::perms::owner_all);
+  // fontconfig's "xdg" folders are below these too.
+  set("XDG_DATA_DIRS", "usr/share", fs::perms::owner_all);
   MakeFolder("system-fonts");
   const std::string config =
       WriteFile("fonts.conf",

@@ -6,7 +6,7 @@
 #include <functional>
 #include <stdexcept>
 
-#include "support/ChildProcess.h"
+#include "support/RunProgram.h"
 #include "support/ScratchHome.h"
 
 namespace fs = std::filesystem;
@@ -23,7 +23,8 @@ void BuildFont(const std::string& path, const std::vector<std::string>& argument
     std::vector<std::string> command{"/usr/bin/python3", script};
     command.insert(command.end(), arguments.begin(), arguments.end());
     command.push_back(made.string());
-    if (ChildProcess(command).Wait() != 0) throw std::runtime_error("no font was built");
+    const ProgramResult result = RunProgram(command);
+    if (result.exitCode != 0) throw std::runtime_error("no font was built: " + result.error);
     fs::rename(made, kept);
   }
   fs::create_directories(fs::path(path).parent_path());
@@ -32,4 +33,11 @@ void BuildFont(const std::string& path, const std::vector<std::string>& argument
 
 void BuildFont(const std::string& path, const std::string& postScriptName) {
   BuildFont(path, {"--family", "Test " + postScriptName, "--psname", postScriptName});
+}
+
+std::string MatchedFile(const std::string& postScriptName) {
+  const ProgramResult result = RunProgram(
+      {"fc-match", "--format=%{postscriptname}\t%{file}", ":postscriptname=" + postScriptName});
+  const std::string start = postScriptName + "\t";
+  return result.output.starts_with(start) ? result.output.substr(start.size()) : std::string();
 }

@@ -1,4 +1,4 @@
-// Small fonts, built by tools/fonts/make_font.py.
+// Small fonts, built by tools/fonts/make_font.py, and what other programs see of them.
 #pragma once
 
 #include <string>
@@ -9,3 +9,6 @@
 void BuildFont(const std::string& path, const std::vector<std::string>& arguments);
 // The usual one: a TrueType font of this PostScript name, family "Test <name>".
 void BuildFont(const std::string& path, const std::string& postScriptName);
+// The file that another program gets for this name, asked in a process of its own; "" if it gets
+// none of that name.
+std::string MatchedFile(const std::string& postScriptName);
