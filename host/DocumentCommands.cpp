@@ -5,7 +5,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "foundation/GString.h"
 #include "host/Commands.h"
 #include "host/Interruption.h"
 #include "host/PluginSession.h"
@@ -35,7 +34,7 @@ std::vector<DocumentFonts> ReadAll(Console& console, const std::vector<std::stri
 
 // Documents have text for names in the host's model: other bytes lead nowhere there.
 void RefuseNameThatIsNoText(Console& console, DocumentFonts& document, int& exitCode) {
-  if (!document.error.empty() || GString::IsValidUtf8(document.path)) return;
+  if (!document.error.empty() || document.nameIsText) return;
   document.error = "can't be opened under a name that is no UTF-8";
   console.Error(Printable(document.document) + ": " + document.error);
   exitCode = kExitDocument;

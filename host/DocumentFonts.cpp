@@ -10,6 +10,7 @@
 
 #include "documents/AdobeByteScan.h"
 #include "fonts/FontRecordOperations.h"
+#include "foundation/GString.h"
 
 namespace {
 
@@ -57,6 +58,7 @@ DocumentFonts ReadDocumentFonts(const std::string& document) {
   result.document = document;
   std::error_code ignored;
   result.path = std::filesystem::absolute(document, ignored).lexically_normal().string();
+  result.nameIsText = GString::IsValidUtf8(result.path);
   struct stat before;
   result.error = WhyUnreadable(result.path, before);
   if (!result.error.empty()) return result;

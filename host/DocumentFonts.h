@@ -10,9 +10,10 @@ struct DocumentFont {
 };
 
 struct DocumentFonts {
-  std::string document;  // as it was named
-  std::string path;      // absolute
-  std::string error;     // why the document can't be read; empty if it can
+  std::string document;     // as it was named
+  std::string path;         // absolute
+  bool nameIsText = false;  // is the path UTF-8?
+  std::string error;        // why the document can't be read; empty if it can
   std::vector<DocumentFont> fonts;
   bool readAsHost = false;  // the names are those that the host itself finds when it opens the file
 };
