@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "host/Commands.h"
 #include "host/Interruption.h"
@@ -73,6 +74,25 @@ int ExitCodeOf(const std::vector<FontReport>& reports) {
 bool AnyReadable(const std::vector<DocumentFonts>& documents) {
   return std::any_of(documents.begin(), documents.end(),
                      [](const DocumentFonts& document) { return document.error.empty(); });
+}
+
+// Starts the plug-in and lets `look` report on every document that can be read, as far as nothing
+// interrupts. Nothing, with the reason said, if there is no font manager to work with.
+template <typename Look>
+std::optional<std::vector<FontReport>> ReportAll(Console& console, PluginSession& session,
+                                                 const std::vector<DocumentFonts>& documents,
+                                                 Look look) {
+  std::string error;
+  if (AnyReadable(documents) && Interruption::Signal() == 0 && !session.Start(error)) {
+    if (Interruption::Signal() == 0) console.Error("no font manager: " + error);
+    return std::nullopt;
+  }
+  std::vector<FontReport> reports;
+  for (const DocumentFonts& document : documents) {
+    const bool isLookedAt = document.error.empty() && Interruption::Signal() == 0;
+    reports.push_back(isLookedAt ? look(document) : FontReport{document, {}});
+  }
+  return reports;
 }
 
 void CommandEnded(GObject* source, GAsyncResult* result, gpointer data) {
@@ -145,24 +165,11 @@ int Commands::Check(Console& console, const std::vector<std::string>& files, boo
   const Interruption interruption;
   int exitCode = kExitOk;
   const std::vector<DocumentFonts> documents = ReadAll(console, files, exitCode);
-  std::vector<FontReport> reports;
-  if (AnyReadable(documents) && Interruption::Signal() == 0) {
-    PluginSession session;
-    std::string error;
-    if (!session.Start(error)) {
-      if (Interruption::Signal() != 0) return Interrupted(exitCode);
-      console.Error("no font manager: " + error);
-      return kExitNoFontManager;
-    }
-    for (const DocumentFonts& document : documents) {
-      reports.push_back(document.error.empty() ? CheckDocument(document)
-                                               : FontReport{document, {}});
-    }
-  } else {
-    for (const DocumentFonts& document : documents) reports.push_back({document, {}});
-  }
-  PrintReports(console, reports, json);
-  return Interrupted(WorseOf(exitCode, ExitCodeOf(reports)));
+  PluginSession session;
+  const auto reports = ReportAll(console, session, documents, CheckDocument);
+  if (!reports) return Interrupted(kExitNoFontManager);
+  PrintReports(console, *reports, json);
+  return Interrupted(WorseOf(exitCode, ExitCodeOf(*reports)));
 }
 
 int Commands::Open(Console& console, const std::vector<std::string>& files,
@@ -171,35 +178,22 @@ int Commands::Open(Console& console, const std::vector<std::string>& files,
   int exitCode = kExitOk;
   std::vector<DocumentFonts> documents = ReadAll(console, files, exitCode);
   for (DocumentFonts& document : documents) RefuseNameThatIsNoText(console, document, exitCode);
-  std::vector<FontReport> reports;
-  if (!AnyReadable(documents) || Interruption::Signal() != 0) {
-    for (const DocumentFonts& document : documents) reports.push_back({document, {}});
-    PrintReports(console, reports, json);
-    return Interrupted(exitCode);
-  }
   PluginSession session;
-  std::string error;
-  if (!session.Start(error)) {
-    if (Interruption::Signal() != 0) return Interrupted(exitCode);
-    console.Error("no font manager: " + error);
-    return kExitNoFontManager;
-  }
-  for (const DocumentFonts& document : documents) {
-    if (Interruption::Signal() != 0) break;
-    reports.push_back(document.error.empty() ? session.Open(document) : FontReport{document, {}});
-  }
-  PrintReports(console, reports, json);
-  exitCode = WorseOf(exitCode, ExitCodeOf(reports));
-  if (!command.empty() && Interruption::Signal() == 0) {
+  const auto reports = ReportAll(console, session, documents, [&](const DocumentFonts& document) {
+    return session.Open(document);
+  });
+  if (!reports) return Interrupted(kExitNoFontManager);
+  PrintReports(console, *reports, json);
+  exitCode = WorseOf(exitCode, ExitCodeOf(*reports));
+  if (!AnyReadable(documents) || Interruption::Signal() != 0) return Interrupted(exitCode);
+  if (!command.empty()) {
     const int status = RunCommand(console, command);
     if (status < 0) return kExitUsage;
     return Interrupted(status != 0 ? status : exitCode);
   }
-  if (Interruption::Signal() == 0) {
-    if (console.ErrorIsTerminal()) {
-      console.Say("the documents are open and their fonts active; press Ctrl-C to close them");
-    }
-    Interruption::RunLoopUntil([] { return false; });
+  if (console.ErrorIsTerminal()) {
+    console.Say("the documents are open and their fonts active; press Ctrl-C to close them");
   }
+  Interruption::RunLoopUntil([] { return false; });
   return Interrupted(exitCode);
 }

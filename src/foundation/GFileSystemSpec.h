@@ -7,7 +7,7 @@
 class GFileSystemSpec {
  public:
   GFileSystemSpec() = default;
-  // Expands "~" and ".." first; a path that is no full path leaves the spec empty and is recorded.
+  // Expands "~" and ".." first; a path that is no full path leaves it empty and is recorded.
   GFileSystemSpec(const std::string& path);  // NOLINT(google-explicit-constructor): a path value
   GFileSystemSpec(const char* path) : GFileSystemSpec(std::string(path)) {}
 
