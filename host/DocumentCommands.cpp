@@ -55,7 +55,7 @@ void PrintReports(Console& console, const std::vector<FontReport>& reports, bool
   for (const FontReport& report : reports) {
     if (!report.document.error.empty()) continue;
     for (const std::string& line : ToLines(report)) console.Print(line);
-    if (report.fonts.empty()) console.Print("  no fonts are named in it");
+    if (report.document.fonts.empty()) console.Print("  no fonts are named in it");
   }
 }
 
