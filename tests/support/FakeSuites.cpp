@@ -41,7 +41,8 @@ struct Holder {
   ObjectRef object;
   std::string aliasPath;
 };
-std::set<Holder*> gAlive;
+// Never destroyed: what a caller is known to keep must stay reachable for leak checkers.
+std::set<Holder*>& gAlive = *new std::set<Holder*>;
 std::map<std::string, DescriptorTypeID> gTypes;
 
 template <typename Handle>
