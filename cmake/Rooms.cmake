@@ -3,7 +3,7 @@ add_library(house_options INTERFACE)
 target_compile_options(house_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Werror
   $<$<COMPILE_LANGUAGE:CXX>:-Wshadow -Wnon-virtual-dtor>)
-if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
   # GCC 12 takes what the sanitizers instrument for uninitialised (its bug 105562); the plain builds still
   # refuse the warning.
   target_compile_options(house_options INTERFACE -Wno-maybe-uninitialized)

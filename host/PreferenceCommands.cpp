@@ -104,7 +104,7 @@ int Commands::Preferences(Console& console, const std::string& key, const std::s
     return kExitNoFontManager;
   }
   CommonFunctionality::InitializeCommonPreferences();
-  if (hasValue) {
+  if (hasValue && only != nullptr) {
     if (!Write(*tarn, *only, value)) {
       console.Error(std::string(only->key) + " takes " +
                     (only->kind == Kind::eBool ? "true or false" : "a whole number") + ", not " +

@@ -34,7 +34,7 @@ class Program {
   // Waits until standard output holds the text; false if the program ended or 30 seconds passed
   // before.
   bool WaitForOutput(const std::string& text);
-  // Waits for the end, at most 60 seconds; then it is killed. Once it has ended, what it left.
+  // Waits for the end, at most 200 seconds; then it is killed. Once it has ended, what it left.
   ProgramResult Wait();
 
  private:
