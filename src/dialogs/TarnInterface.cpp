@@ -142,7 +142,8 @@ bool TarnInterface::GetPreferenceForKey(const char* key) const {
 }
 
 void TarnInterface::SetPreferenceForKey(const char* key, bool value) {
-  if (mTable && mTable->TarnSetPreferenceForKey) mTable->TarnSetPreferenceForKey(key, value);
+  if (mTable && mTable->TarnSetPreferenceForKey)
+    mTable->TarnSetPreferenceForKey(key, value ? 1 : 0);
 }
 
 long TarnInterface::GetLongPreferenceForKey(const char* key) const {

@@ -158,8 +158,8 @@ FontRecordArray CreateFaceprintSlugsWithFaceprintFontsAndDocumentFonts(
     const FontRecord record = documentFonts->DictionaryAt(i);
     const std::string* name = FindString(record, kFP_PostScriptNameKey);
     if (name == nullptr) continue;
-    FontRecord slug = GetFaceprintDictionaryFromArrayWithPostscriptName(slugFonts, name->c_str());
-    result->Append(slug ? std::move(slug) : record);
+    const FontRecord slug = GetFaceprintDictionaryFromArrayWithPostscriptName(slugFonts, name->c_str());
+    result->Append(slug ? slug : record);
   }
   return result;
 }

@@ -80,7 +80,7 @@ int FontManagerInterface::ClimbNameLadder(const std::string& name, TypeOfFontNam
 int FontManagerInterface::AskShortenedNames(const std::string& name, bool* outExcludedRemote,
                                             long workgroupID, FontRecordArray& ioCandidates) {
   char shortened[kNameBufferSize] = {};
-  std::memcpy(shortened, name.data(), name.size());
+  name.copy(shortened, sizeof shortened - 1);
   int error = 0;
   while (FaceprintSupport::PSNameMightHaveCruftAppended(shortened, sizeof shortened, shortened)) {
     const std::string rest = shortened;

@@ -67,7 +67,7 @@ void AcquireForStart(BlocksSuite& blocks) {
 void AllocateGlobals(const BlocksSuite& blocks, SPMessageData* message) {
   void* block = nullptr;
   PhotoshopFontUtils::ThrowSPErr(blocks->AllocateBlock(sizeof(PluginGlobals), "globals", &block));
-  if (!block) PhotoshopFontUtils::ThrowSPErr(kSPOutOfMemoryError);
+  if (!block) throw static_cast<long>(kSPOutOfMemoryError);
   gGlobals = static_cast<PluginGlobals*>(block);
   gGlobals->zero = nullptr;
   message->globals = gGlobals;
