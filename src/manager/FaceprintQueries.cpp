@@ -1,6 +1,4 @@
 // From a document font to the font manager's candidates for it.
-#include <cstring>
-
 #include "fontmanager/FontManagerInterface.h"
 #include "fonts/FontNames.h"
 #include "fonts/MatchRules.h"
