@@ -158,7 +158,8 @@ FontRecordArray CreateFaceprintSlugsWithFaceprintFontsAndDocumentFonts(
     const FontRecord record = documentFonts->DictionaryAt(i);
     const std::string* name = FindString(record, kFP_PostScriptNameKey);
     if (name == nullptr) continue;
-    const FontRecord slug = GetFaceprintDictionaryFromArrayWithPostscriptName(slugFonts, name->c_str());
+    const FontRecord slug =
+        GetFaceprintDictionaryFromArrayWithPostscriptName(slugFonts, name->c_str());
     result->Append(slug ? slug : record);
   }
   return result;
