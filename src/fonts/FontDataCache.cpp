@@ -42,6 +42,7 @@ void MarkActive(std::uint32_t databaseID, InfoRec& rec) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): it is moved from, where the ID is new
 void Add(std::uint32_t databaseID, InfoRec rec) {
   idToInfoRec().try_emplace(databaseID, std::move(rec));
 }

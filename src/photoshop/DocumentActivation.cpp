@@ -28,14 +28,12 @@ int FindHandle(const std::string& path) {
 // takes it in with them.
 void ReopenIfFontsWereActivated(const OneTrackedDocument& document, int numFontsActivated) {
   const bool hasMissingFonts = document.GetHasMissingFonts();
-  if (numFontsActivated > 0 && !hasMissingFonts) {
-    // Not played yet: nothing here waits for the host to be idle and for its alerts to end.
-  } else {
-    OutputFormattedDebugString(
-        "DeferredReplaceMissingFonts(0x%08x) skipped because numFontsActivated=%d and "
-        "HasMissingFonts=%d",
-        static_cast<unsigned>(document.GetDocumentHandle()), numFontsActivated, hasMissingFonts);
-  }
+  // The close and reopen itself is not played yet: nothing here waits for the host to be idle.
+  if (numFontsActivated > 0 && !hasMissingFonts) return;
+  OutputFormattedDebugString(
+      "DeferredReplaceMissingFonts(0x%08x) skipped because numFontsActivated=%d and "
+      "HasMissingFonts=%d",
+      static_cast<unsigned>(document.GetDocumentHandle()), numFontsActivated, hasMissingFonts);
 }
 
 bool IsDocumentStillOpen(const OneTrackedDocument& document) {
