@@ -13,6 +13,8 @@
 #include "foundation/GMutex.h"
 #include "foundation/GSingleton.h"
 
+class GKVTree;
+
 class GLogAppender {
  public:
   virtual ~GLogAppender() = default;
@@ -65,6 +67,9 @@ class GLogger {
   LoggingLevel GetDefaultLoggingLevel();
   void SetLoggingLevelForIdentifier(const std::string& identifier, LoggingLevel level);
   LoggingLevel GetLoggingLevelForIdentifier(const std::string& identifier);
+  // Sets the level of each key whose value is of string type and whose text StringToLevel knows; of
+  // an array the first element counts. All else is skipped. Defined with the trees.
+  void SetLoggingLevelsFromKVTree(const GKVTree& levels);
   // Leaves only "default", at warning.
   void ResetAllLoggingLevels();
 

@@ -5,7 +5,7 @@ TModuleErrorCode GLockStrategy::Unlock(GLockable& lockable) { return lockable.Un
 TModuleErrorCode GBlockingLockStrategy::Lock(GLockable& lockable) { return lockable.Lock(); }
 
 GScopedLock::GScopedLock(GLockable& lockable, bool lockNow, GLockStrategy* strategy)
-    : mLockable(lockable), mStrategy(strategy ? strategy : new GBlockingLockStrategy) {
+    : mLockable(lockable), mStrategy(strategy) {
   if (lockNow) Lock();
 }
 
@@ -14,13 +14,13 @@ GScopedLock::~GScopedLock() {
 }
 
 TModuleErrorCode GScopedLock::Lock() {
-  const TModuleErrorCode code = mStrategy->Lock(mLockable);
+  const TModuleErrorCode code = mStrategy ? mStrategy->Lock(mLockable) : mLockable.Lock();
   if (code == 0) mIsLocked = true;
   return code;
 }
 
 TModuleErrorCode GScopedLock::Unlock() {
-  const TModuleErrorCode code = mStrategy->Unlock(mLockable);
+  const TModuleErrorCode code = mStrategy ? mStrategy->Unlock(mLockable) : mLockable.Unlock();
   if (code == 0) mIsLocked = false;
   return code;
 }

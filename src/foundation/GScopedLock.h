@@ -20,7 +20,8 @@ class GBlockingLockStrategy : public GLockStrategy {
 
 class GScopedLock {
  public:
-  // Takes ownership of `strategy`; null stands for a GBlockingLockStrategy.
+  // Takes ownership of `strategy`; null waits without limit, as a GBlockingLockStrategy does, and
+  // costs no allocation.
   explicit GScopedLock(GLockable& lockable, bool lockNow = true, GLockStrategy* strategy = nullptr);
   ~GScopedLock();
   GScopedLock(const GScopedLock&) = delete;
