@@ -27,6 +27,31 @@ bool IsPlainText(std::string_view text) {
   return text.find('\0') == std::string_view::npos && GString::IsValidUtf8(text);
 }
 
+// Conservative: "<" never stands within a tag, so that each tag is counted from its own.
+bool HasFewAttributes(std::string_view xml) {
+  bool isInTag = false;
+  char quote = 0;
+  unsigned int count = 0;
+  for (const char c : xml) {
+    if (c == '<') {
+      isInTag = true;
+      quote = 0;
+      count = 0;
+    } else if (!isInTag) {
+      continue;
+    } else if (quote != 0) {
+      if (c == quote) quote = 0;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '>') {
+      isInTag = false;
+    } else if (c == '=' && ++count > GLibXMLDoc::kMaxAttributes) {
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 void GLibXMLDoc::Free::operator()(_xmlDoc* document) const { xmlFreeDoc(document); }
@@ -35,6 +60,8 @@ TModuleErrorCode GLibXMLDoc::SetFromBuffer(const char* buffer, unsigned long siz
   G_CHECK_NULL(buffer);
   G_CHECK_CONDITION(size > GLibXMLSerializable::kMaxXMLBytes, CoreErrorCodes::kNotSupported);
   G_CHECK_CONDITION(!IsPlainText(std::string_view(buffer, size)), GLibXML::kParseFailed);
+  G_CHECK_CONDITION(!HasFewAttributes(std::string_view(buffer, size)),
+                    CoreErrorCodes::kNotSupported);
   const std::unique_ptr<xmlParserCtxt, FreeContext> context(xmlNewParserCtxt());
   G_CHECK_CONDITION(context == nullptr, CoreErrorCodes::kOutOfMemory);
   context->sax->internalSubset = RefuseDocumentType;

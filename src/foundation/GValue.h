@@ -71,14 +71,14 @@ class GValue : public GLibXMLSerializable {
   // pointer to one is shared, and a null one makes reading and writing end in
   // CoreErrorCodes::kNullPointer.
   template <GValueElement T>
-  GValue(const T& value);  // NOLINT(google-explicit-constructor)
+  GValue(const T& value);
   template <GValueElement T>
-  GValue(const std::vector<T>& values);  // NOLINT(google-explicit-constructor)
+  GValue(const std::vector<T>& values);
   template <GValueSetElement T>
-  GValue(const std::set<T>& values);  // NOLINT(google-explicit-constructor)
+  GValue(const std::set<T>& values);
   // Strings; null is an empty one.
-  GValue(const char* text);                       // NOLINT(google-explicit-constructor)
-  GValue(const std::vector<const char*>& texts);  // NOLINT(google-explicit-constructor)
+  GValue(const char* text);
+  GValue(const std::vector<const char*>& texts);
   // Copying only: a value that was moved from is still a value.
   GValue(const GValue&) = default;
   GValue& operator=(const GValue&) = default;

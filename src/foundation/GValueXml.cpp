@@ -49,28 +49,23 @@ TModuleErrorCode ParseDigits(std::string_view digits, int base, T& number) {
                                                 : GLibXMLSerializable::kInvalidTextContent;
 }
 
-// To the stored form of a T: bool and double take their bits alone, signed types also the unsigned
-// form of their own width.
+// What a number means as a T, in the stored form: bool and double are their bits alone, signed
+// types may come in the unsigned form of their own width.
 template <class T>
 TModuleErrorCode ConvertBits(bool isNegative, std::uint64_t& bits) {
-  if constexpr (std::is_same_v<T, double>) {
-    return isNegative ? GValue::kValueConversionError : CoreErrorCodes::kSuccess;
-  } else if constexpr (std::is_same_v<T, bool>) {
-    return isNegative || bits > 1 ? GValue::kValueConversionError : CoreErrorCodes::kSuccess;
-  } else {
+  bool fits = !isNegative;
+  if constexpr (std::is_same_v<T, bool>) {
+    fits = fits && bits <= 1;
+  } else if constexpr (GValueInteger<T>) {
     using Range = GValueRange<T>;
+    const auto number = static_cast<std::int64_t>(bits);
+    fits = fits && std::in_range<std::make_unsigned_t<Range>>(bits);
     if constexpr (std::is_signed_v<Range>) {
-      const auto number = static_cast<std::int64_t>(bits);
-      if (std::in_range<Range>(number)) return CoreErrorCodes::kSuccess;
-      using Unsigned = std::make_unsigned_t<Range>;
-      if (isNegative || !std::in_range<Unsigned>(bits)) return GValue::kValueConversionError;
-      bits = static_cast<std::uint64_t>(static_cast<Range>(bits));
-      return CoreErrorCodes::kSuccess;
-    } else {
-      return isNegative || !std::in_range<Range>(bits) ? GValue::kValueConversionError
-                                                       : CoreErrorCodes::kSuccess;
+      if (fits) bits = static_cast<std::uint64_t>(std::int64_t{static_cast<Range>(bits)});
+      fits = fits || std::in_range<Range>(number);
     }
   }
+  return fits ? CoreErrorCodes::kSuccess : GValue::kValueConversionError;
 }
 
 template <class T>

@@ -16,7 +16,7 @@ namespace {
 
 using nlohmann::json;
 
-__extension__ typedef __int128 Wide;  // NOLINT(modernize-use-using)
+__extension__ typedef __int128 Wide;
 
 constexpr TModuleErrorCode kOk = CoreErrorCodes::kSuccess;
 
