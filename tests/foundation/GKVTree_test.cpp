@@ -211,9 +211,9 @@ TEST(GKVTree, RefusesHostileDocuments) {
   }
   EXPECT_EQ(FromXML(good + std::string(GKVTree::kMaxXMLBytes, ' '), tree),
             CoreErrorCodes::kNotSupported);
-  // libxml2 would take minutes.
+  // libxml2 would take half a minute.
   std::string attributes;
-  for (int i = 0; i < 400'000; ++i) attributes += " a" + std::to_string(i) + "='>='";
+  for (int i = 0; i < 100'000; ++i) attributes += " a" + std::to_string(i) + "='>='";
   EXPECT_EQ(FromXML("<kvtree" + attributes + "/>", tree), CoreErrorCodes::kNotSupported);
   const std::string many = attributes.substr(0, attributes.find(" a64="));
   EXPECT_EQ(FromXML("<kvtree" + many + ">" + good.substr(8), tree), kOk);
