@@ -1,4 +1,4 @@
-#include <ranges>
+#include <iterator>
 
 #include "foundation/GStringUtils.h"
 
@@ -45,8 +45,9 @@ std::string EscapeRequiredXMLEntities(std::string_view text) {
 
 std::string UnescapeRequiredXMLEntities(std::string_view text) {
   std::string plain(text);
-  for (const CharacterAndXmlEquivalent& row : GCharactersAndXmlEquivalents | std::views::reverse) {
-    plain = StringReplace(plain, row.equivalent, row.character);
+  for (auto row = std::rbegin(GCharactersAndXmlEquivalents);
+       row != std::rend(GCharactersAndXmlEquivalents); ++row) {
+    plain = StringReplace(plain, row->equivalent, row->character);
   }
   return plain;
 }

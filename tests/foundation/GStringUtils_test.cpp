@@ -225,7 +225,7 @@ TEST(GStringUtils, HardRegularExpressionsNeedLittleStackAndTime) {
   };
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 512 * 1024);
+  pthread_attr_setstacksize(&attributes, 524'288);
   pthread_t thread{};
   ASSERT_EQ(pthread_create(&thread, &attributes, match, nullptr), 0);
   pthread_join(thread, nullptr);

@@ -23,7 +23,6 @@ TEST(StringCase, OrdersByFolding) {
       {"Arial", "aRIAL", 0},
       {"Arial", "Arial Bold", -1},
       {"a_", "aZ", -1},  // "_" stands before "z", though behind "Z"
-      {"a\0B", "a\0b", 0},
       {{"a\0B", 3}, {"a\0c", 3}, -1},
       {"STRASSE", "straße", 0},
       {"strasse", "straẞe", 0},
@@ -134,13 +133,14 @@ TEST(StringCase, MapsByCharactersWithoutALanguage) {
 // The Cherokee letters have no lower case where an upper one is asked for, and so on: what must
 // hold for every character is that its mappings are text, and that it is found in itself.
 TEST(StringCase, EveryCharacterMapsToText) {
-  for (char32_t character = 0; character < 0x110000; ++character) {
+  const std::string before(1, '\0');
+  for (char32_t character = 1; character < 0x110000; ++character) {
     if (character == 0xD800) character = 0xE000;
     const std::string text = GString::OSUnicodeToUtf8({&character, 1});
     const std::string lower = GStringUtils::OSToLowerCase(text);
     const std::string upper = GStringUtils::OSToUpperCase(text);
     ASSERT_TRUE(GString::IsValidUtf8(lower) && GString::IsValidUtf8(upper)) << text;
-    ASSERT_EQ(StringFindNoCase("ß" + text, text), 2U) << text;
+    ASSERT_EQ(StringFindNoCase(before + text, text), 1U) << text;
     // The dotted and the dotless i need a language.
     if (text == "İ" || text == "ı") continue;
     ASSERT_EQ(CompareStringsNoCase(text, upper), 0) << text;
