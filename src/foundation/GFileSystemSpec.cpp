@@ -63,5 +63,5 @@ std::vector<std::string> GFileSystemSpec::GetPathComponents() const {
 
 bool GFileSystemSpec::IsSubpath(const GFileSystemSpec& candidate) const {
   return candidate.mPath.size() > mPath.size() &&
-         GStringUtils::AsciiEqualsNoCase(candidate.mPath.substr(0, mPath.size()), mPath);
+         GStringUtils::StringFindNoCase(candidate.mPath, mPath) == 0;
 }

@@ -1,7 +1,6 @@
-// Conversions between UTF-8 and wider forms.
+// Conversions between UTF-8 and wider forms. Pure functions, any thread.
 #pragma once
 
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,6 +17,3 @@ std::u32string OSUtf8ToUnicode(std::string_view utf8);
 bool IsValidUtf8(std::string_view text);
 
 }  // namespace GString
-
-// Converts with iconv; throws std::runtime_error. MacRoman is named "MACINTOSH".
-std::string iconv_string(std::string_view text, const char* to, const char* from);

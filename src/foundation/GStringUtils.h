@@ -1,6 +1,7 @@
 // Operations on UTF-8 text. Positions and lengths are bytes; npos is "not found". Pure functions,
-// any thread. Text that is no UTF-8 is never refused unless a function says so: what needs
-// characters then works on its bytes.
+// any thread; time and memory are linear in the texts, but for IsRegExMatch. Text that is no UTF-8
+// is never refused unless a function says so: what needs characters then works on its bytes, of
+// which only ASCII letters have a case.
 #pragma once
 
 #include <cstdarg>
@@ -20,15 +21,20 @@ inline constexpr std::size_t npos = std::string_view::npos;
 
 // Below 0, 0 or above 0 as `a` stands before, equals or stands behind `b`.
 int CompareStringsNoCase(std::string_view a, std::string_view b);
-// The same of texts in another encoding, named as iconv_string names it. Text that does not convert
-// is compared by its bytes.
+// The same of texts in another encoding, named as iconv_string names it. If one of them does not
+// convert, both are compared by their bytes.
 int OSCompareStringsNoCase(const char* encoding, std::string_view a, std::string_view b);
 bool ISUTF8StringLessThanNoCase(std::string_view a, std::string_view b);
-// Where `part` begins in `text`; an empty part is found at 0.
+// Where `part` begins in `text`; an empty part is found at 0. Only whole characters are found: "ss"
+// in "straße" but not "as". By bytes if one of the two is no UTF-8.
 std::size_t StringFindNoCase(std::string_view text, std::string_view part);
-// Does the whole text match? ECMAScript; false for a pattern that is none.
+// Does the whole text match? ECMAScript over bytes, without back references and without any locale;
+// false for a pattern that is none. No exponential time, no deep stack; therefore false also for
+// patterns beyond 256 characters, 256 states or 32 groups, and for texts that are too long for
+// their pattern (400 KB for one of 10 characters, 16 KB for the longest; with a look-ahead 640 and
+// 120 bytes).
 bool IsRegExMatch(const std::string& text, const std::string& pattern);
-// By full case mapping without a language: "ß" has two upper-case letters.
+// By full case mapping without a language: "ß" has two upper-case letters, "I" becomes "i".
 std::string OSToLowerCase(std::string_view text);
 std::string OSToUpperCase(std::string_view text);
 // ASCII letters only; for keys and extensions.
@@ -42,11 +48,12 @@ void EnsureEndsWith(std::string& text, std::string_view suffix);
 // Cutting and joining. An empty pattern or separator changes nothing; Split then gives one part.
 
 // Takes whole characters off the end until at most `maxBytes` are left.
-// CoreErrorCodes::kNullPointer, and the text stays, if it is no UTF-8.
+// CoreErrorCodes::kNullPointer, and the text stays, if it is no UTF-8, even if it is short enough.
 TModuleErrorCode OSTruncateUTF8String(std::string& text, unsigned int maxBytes);
 // Each character of `delimiters` separates; empty tokens are dropped.
 std::vector<std::string> OSTokenizeString(std::string_view text, std::string_view delimiters);
-// `separator` is a whole string. Split keeps empty parts, TokenizeString drops them.
+// `separator` is a whole string. Split keeps empty parts, so that Join gives the text back, and an
+// empty text is one empty part; TokenizeString drops them.
 std::vector<std::string> Split(std::string_view text, std::string_view separator);
 std::vector<std::string> TokenizeString(std::string_view text, std::string_view separator);
 std::string Join(const std::vector<std::string>& parts, std::string_view separator);
@@ -64,13 +71,17 @@ std::string StripPrecedingString(std::string_view text, std::string_view part);
 std::string StripTrailingString(std::string_view text, std::string_view part);
 
 // Numbers. By stream extraction: leading blanks and a sign are read, what follows the number is
-// ignored, no number gives 0, one beyond the type the type's limit.
+// ignored, no number gives 0, one beyond the type the type's limit. The locale does not matter: a
+// host may have set one with a decimal comma or groups of digits.
 
-// A cheap test: "12a" is none, "0abc" is one.
+// A cheap test: is the last character a digit that counts, or does it begin with "0" or "-0"? "12a"
+// and "5 " are none, "0abc" is one, nor is a number that has a digit more than an int's limit.
 bool IsNumber(const std::string& text);
 int NumberFromString(const std::string& text);
-// "true", "yes" in any case and any number but 0.
+// "true", "yes" in any case and any number but 0, also "2" and "-1".
 bool UTF8StringToBool(std::string_view text);
+// "-1" as an unsigned number is the type's largest. "1e" is no real number, nor are "inf" and
+// "nan".
 std::int16_t UTF8StringToSInt16(const std::string& text);
 std::uint16_t UTF8StringToUInt16(const std::string& text);
 std::int32_t UTF8StringToSInt32(const std::string& text);
@@ -86,8 +97,8 @@ std::string HexadecimalString(const char* bytes, unsigned int count);
 
 // Escaping.
 
-// & > < ' " become entities, and back: unescaping runs the table in reverse, so that every text
-// comes back.
+// & > < ' " become entities, and back: unescaping runs the table in reverse ("&amp;lt;" gives
+// "&lt;"), so that every text comes back. Other entities stay.
 std::string EscapeRequiredXMLEntities(std::string_view text);
 std::string UnescapeRequiredXMLEntities(std::string_view text);
 // ASCII letters, digits, "-", ".", "/" and ":" stay, and the last two only without `component`; any

@@ -7,6 +7,7 @@
 #include "foundation/GString.h"
 #include "foundation/GStringUtils.h"
 #include "foundation/PluginLog.h"
+#include "foundation/iconv_string.h"
 
 namespace {
 

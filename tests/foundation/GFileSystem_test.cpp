@@ -73,6 +73,8 @@ TEST_F(GFileSystemTest, SubpathIsLongerAndBeginsTheSame) {
   EXPECT_FALSE(folder.IsSubpath("/fonts"));
   EXPECT_FALSE(folder.IsSubpath("/other/fonts"));
   EXPECT_TRUE(folder.IsSubpath("/fonts2"));  // by text, not by component
+  EXPECT_TRUE(GFileSystemSpec("/SCHRÄGE").IsSubpath("/schräge/x"));
+  EXPECT_FALSE(GFileSystemSpec("/a").IsSubpath("/b/a"));
 }
 
 TEST_F(GFileSystemTest, MakesAndFindsFoldersAndFiles) {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 namespace {
 
 TEST(GString, Utf8IsStrict) {
@@ -57,25 +55,6 @@ TEST(GString, WideFormsConvertOrFailAsAWhole) {
   EXPECT_EQ(fromUtf16({"\0A\xD8\x3D", 4}), "");
   EXPECT_EQ(fromUtf16({"\xD8\x3D\0A", 4}), "");
   EXPECT_EQ(fromUtf16({"\xDE\x00\0A", 4}), "");
-}
-
-TEST(Iconv, ConvertsOrTellsWhyNot) {
-  EXPECT_EQ(iconv_string("\xE9", "UTF-8", "ISO-8859-1"), "\xC3\xA9");
-  EXPECT_EQ(iconv_string("", "UTF-8", "ISO-8859-1"), "");
-  // Three times as long as its source, so that the buffer grows.
-  EXPECT_EQ(iconv_string(std::string(1000, '\x80'), "UTF-8", "CP1252").size(), 3000U);
-  const auto messageOf = [](std::string_view text, const char* to, const char* from) {
-    try {
-      return iconv_string(text, to, from);
-    } catch (const std::runtime_error& error) {
-      return std::string(error.what());
-    }
-  };
-  EXPECT_EQ(messageOf("a", "UTF-8", "NO-SUCH-ENCODING"), "Unable to initialize iconv (error 22)");
-  EXPECT_TRUE(messageOf("\xC3\x28", "UTF-16LE", "UTF-8")
-                  .starts_with("Unable to convert string to UTF-16LE (error 84): "));
-  EXPECT_TRUE(messageOf("a\xC3", "UTF-16LE", "UTF-8")
-                  .starts_with("Unable to convert string to UTF-16LE (error 22): "));
 }
 
 }  // namespace
