@@ -10,6 +10,8 @@ extern "C" {
 
 /* An array of one record with a value of every kind that crosses; the caller has its one count. */
 PLArrayRef MakeFontsInC(void);
+/* A record of one count with data, a null, and a list of every kind that is not in the other. */
+PLDictionaryRef MakeEveryKindInC(void);
 
 #ifdef __cplusplus
 }
