@@ -132,9 +132,10 @@ std::optional<std::string> CFStringCreateFromUtf16CString(const char16_t* text);
 // Empty for null, for an empty string and for one that is no UTF-8.
 std::string CFStringGetUTF8StdString(const std::string* string);
 
-// Is the value a string in which the text stands? An empty text stands in every string. Asserts the
-// dictionary.
+enum CFStringCompareFlags : unsigned { kCFCompareExactly = 0, kCFCompareCaseInsensitive = 1 };
+// Is the value a string in which the text stands, if asked for without regard to case (by full case
+// folding)? An empty text stands in every string. Asserts the dictionary.
 bool CFDictionaryDoesStringValueContain(const DictionaryRef& dict, std::string_view key,
-                                        std::string_view text);
+                                        std::string_view text, CFStringCompareFlags options);
 
 }  // namespace XCFUtils

@@ -1,11 +1,21 @@
 // Strings of property lists as UTF-16, as UTF-8 and as something to search in.
 #include <algorithm>
 
+#include "foundation/GStringUtils.h"
 #include "propertylist/CallerAssertion.h"
 #include "propertylist/StringConversion.h"
 #include "propertylist/XCFUtils.h"
 
 namespace XCFUtils {
+
+namespace {
+
+bool Contains(std::string_view text, std::string_view part, CFStringCompareFlags options) {
+  if ((options & kCFCompareCaseInsensitive) == 0) return text.find(part) != std::string_view::npos;
+  return GStringUtils::StringFindNoCase(text, part) != GStringUtils::npos;
+}
+
+}  // namespace
 
 std::ptrdiff_t XCFGetUniStringFromDictionary(const DictionaryRef& dict, std::string_view key,
                                              std::span<char16_t> buffer) {
@@ -48,10 +58,10 @@ std::optional<std::string> CFStringCreateFromUtf16CString(const char16_t* text) 
 std::string CFStringGetUTF8StdString(const std::string* string) { return GetStdString(string); }
 
 bool CFDictionaryDoesStringValueContain(const DictionaryRef& dict, std::string_view key,
-                                        std::string_view text) {
+                                        std::string_view text, CFStringCompareFlags options) {
   AssertOfCaller(static_cast<bool>(dict), "dict != NULL");
   const std::string* string = GetCFStringFromDict(dict, key);
-  return string != nullptr && string->find(text) != std::string::npos;
+  return string != nullptr && Contains(*string, text, options);
 }
 
 }  // namespace XCFUtils

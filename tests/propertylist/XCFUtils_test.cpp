@@ -191,12 +191,21 @@ TEST(XCFUtils, Utf16OfStrings) {
 
 TEST(XCFUtils, StringsAreSearched) {
   const DictionaryRef dict = Dictionary::Create();
-  dict->Set("k", "Alpha Beta");
+  dict->Set("k",
+            "Alpha Stra\xC3\x9F"
+            "e");
   dict->Set("n", 1);
-  EXPECT_TRUE(CFDictionaryDoesStringValueContain(dict, "k", "pha B"));
-  EXPECT_FALSE(CFDictionaryDoesStringValueContain(dict, "k", "beta"));
-  EXPECT_FALSE(CFDictionaryDoesStringValueContain(dict, "n", "1"));
-  EXPECT_FALSE(CFDictionaryDoesStringValueContain(dict, "absent", ""));
+  const std::tuple<const char*, const char*, bool, bool> rows[] = {
+      {"k", "pha S", true, true},   {"k", "ALPHA", false, true}, {"k", "STRASSE", false, true},
+      {"k", "beta", false, false},  {"k", "", true, true},       {"n", "1", false, false},
+      {"absent", "", false, false},
+  };
+  for (const auto& [key, text, exactly, anyCase] : rows) {
+    EXPECT_EQ(CFDictionaryDoesStringValueContain(dict, key, text, kCFCompareExactly), exactly);
+    EXPECT_EQ(CFDictionaryDoesStringValueContain(dict, key, text, kCFCompareCaseInsensitive),
+              anyCase)
+        << text;
+  }
 }
 
 TEST(XCFUtilsDeathTest, ErrorsOfTheCallerEndTheProcess) {
