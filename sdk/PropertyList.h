@@ -6,8 +6,8 @@
  * nothing.
  *
  * Ownership. "Create", "Copy" and out parameters named `out...` give the caller one count, which
- * PL...Release gives back. Everything else lends: what a getter returns lives as long as the
- * container holds it.
+ * PL...Release gives back. Everything else lends: a container that a getter returns lives as long
+ * as its own container holds it; text, bytes and keys only until their container is changed.
  *
  * Threads. [any-thread] Counts are atomic. A container may be read from several threads as long as
  * nobody changes it; one that was handed to another thread is not changed any more.
@@ -50,41 +50,82 @@ const char* PLStringGetText(PLStringRef string);
 size_t PLStringGetLength(PLStringRef string);
 
 PLArrayRef PLArrayCreate(void);
+/* Another array of the same entries; containers in it stay shared. Null for null. */
+PLArrayRef PLArrayCopy(PLArrayRef array);
 PLArrayRef PLArrayRetain(PLArrayRef array);
 void PLArrayRelease(PLArrayRef array);
+/* By contents, to a depth of 64; an integer never equals a real. Null equals null alone. */
+bool PLArrayEquals(PLArrayRef array, PLArrayRef other);
 size_t PLArrayGetCount(PLArrayRef array);
 PLKind PLArrayGetKind(PLArrayRef array, size_t index);
-/* Lent; null if the entry is absent or of another kind. */
-PLDictionaryRef PLArrayGetDictionary(PLArrayRef array, size_t index);
+/* Lent; null if the entry is absent or of another kind. `length` may be null. Strings are
+ * zero-terminated. The scalars answer false then, and leave `value` as it was. */
 const char* PLArrayGetString(PLArrayRef array, size_t index, size_t* length);
+const void* PLArrayGetData(PLArrayRef array, size_t index, size_t* length);
+bool PLArrayGetBool(PLArrayRef array, size_t index, bool* value);
 bool PLArrayGetInteger(PLArrayRef array, size_t index, int64_t* value);
-/* The array takes a count of its own. */
-void PLArrayAppendDictionary(PLArrayRef array, PLDictionaryRef value);
+bool PLArrayGetReal(PLArrayRef array, size_t index, double* value);
+PLArrayRef PLArrayGetArray(PLArrayRef array, size_t index);
+PLDictionaryRef PLArrayGetDictionary(PLArrayRef array, size_t index);
+/* Bytes are copied; of a container the array takes a count of its own, and a null one is not
+ * appended. A container that comes to hold itself is never freed. */
+void PLArrayAppendNull(PLArrayRef array);
 void PLArrayAppendString(PLArrayRef array, const char* bytes, size_t length);
+void PLArrayAppendData(PLArrayRef array, const void* bytes, size_t length);
+void PLArrayAppendBool(PLArrayRef array, bool value);
 void PLArrayAppendInteger(PLArrayRef array, int64_t value);
+void PLArrayAppendReal(PLArrayRef array, double value);
+void PLArrayAppendArray(PLArrayRef array, PLArrayRef value);
+void PLArrayAppendDictionary(PLArrayRef array, PLDictionaryRef value);
+/* Takes an entry to another place, those between move by one: append and move to insert, move and
+ * remove the next to replace. An index past the end changes nothing. */
+void PLArrayMove(PLArrayRef array, size_t from, size_t to);
+void PLArrayRemove(PLArrayRef array, size_t index);
+void PLArrayClear(PLArrayRef array);
 
 PLDictionaryRef PLDictionaryCreate(void);
+/* As PLArrayCopy. */
+PLDictionaryRef PLDictionaryCopy(PLDictionaryRef dictionary);
 PLDictionaryRef PLDictionaryRetain(PLDictionaryRef dictionary);
 void PLDictionaryRelease(PLDictionaryRef dictionary);
+/* As PLArrayEquals, in any order of the keys. */
+bool PLDictionaryEquals(PLDictionaryRef dictionary, PLDictionaryRef other);
 size_t PLDictionaryGetCount(PLDictionaryRef dictionary);
 /* The key at a position of the insertion order, zero-terminated; null past the end. Lent. */
 const char* PLDictionaryGetKeyAt(PLDictionaryRef dictionary, size_t index);
 PLKind PLDictionaryGetKind(PLDictionaryRef dictionary, const char* key);
-/* Lent, zero-terminated; null if absent or of another kind. `length` may be null. */
+/* As the getters of arrays. */
 const char* PLDictionaryGetString(PLDictionaryRef dictionary, const char* key, size_t* length);
+const void* PLDictionaryGetData(PLDictionaryRef dictionary, const char* key, size_t* length);
 bool PLDictionaryGetBool(PLDictionaryRef dictionary, const char* key, bool* value);
 bool PLDictionaryGetInteger(PLDictionaryRef dictionary, const char* key, int64_t* value);
 bool PLDictionaryGetReal(PLDictionaryRef dictionary, const char* key, double* value);
 PLArrayRef PLDictionaryGetArray(PLDictionaryRef dictionary, const char* key);
 PLDictionaryRef PLDictionaryGetDictionary(PLDictionaryRef dictionary, const char* key);
+/* Replaces in place or appends; else as the appending functions of arrays. A null key does nothing.
+ */
+void PLDictionarySetNull(PLDictionaryRef dictionary, const char* key);
 void PLDictionarySetString(PLDictionaryRef dictionary, const char* key, const char* bytes,
                            size_t length);
+void PLDictionarySetData(PLDictionaryRef dictionary, const char* key, const void* bytes,
+                         size_t length);
 void PLDictionarySetBool(PLDictionaryRef dictionary, const char* key, bool value);
 void PLDictionarySetInteger(PLDictionaryRef dictionary, const char* key, int64_t value);
 void PLDictionarySetReal(PLDictionaryRef dictionary, const char* key, double value);
 void PLDictionarySetArray(PLDictionaryRef dictionary, const char* key, PLArrayRef value);
 void PLDictionarySetDictionary(PLDictionaryRef dictionary, const char* key, PLDictionaryRef value);
 void PLDictionaryRemove(PLDictionaryRef dictionary, const char* key);
+void PLDictionaryClear(PLDictionaryRef dictionary);
+
+/* The XML form, version 1.0, in UTF-8. Null if there is none: a null value, a real that is not
+ * finite, text that is no UTF-8 or that XML can't hold, more than 64 levels, 64 MiB, 2^20 values or
+ * 2^16 keys in a dictionary. */
+PLStringRef PLArrayCopyXml(PLArrayRef array);
+PLStringRef PLDictionaryCopyXml(PLDictionaryRef dictionary);
+/* The reverse, from any bytes. Null if they are no property list, or beyond the same bounds, or its
+ * root is of another kind. */
+PLArrayRef PLArrayCreateFromXml(const char* bytes, size_t length);
+PLDictionaryRef PLDictionaryCreateFromXml(const char* bytes, size_t length);
 
 #ifdef __cplusplus
 }

@@ -16,7 +16,7 @@
 
 #include "foundation/GMutex.h"
 #include "propertylist/FontRecord.h"
-#include "propertylist/StringConversion.h"
+#include "propertylist/PlatformString.h"
 
 enum TypeOfFontName : int { kPostScriptFontName = 0, kFamilyFontName = 1 };
 

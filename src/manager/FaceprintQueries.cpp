@@ -3,6 +3,7 @@
 #include "fonts/FontNames.h"
 #include "fonts/MatchRules.h"
 #include "foundation/PluginLog.h"
+#include "propertylist/StringConversion.h"
 #include "propertylist/XmlForm.h"
 #include "sdk/FontRecordKeys.h"
 

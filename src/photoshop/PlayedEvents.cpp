@@ -9,7 +9,7 @@
 #include "photoshop/AutoSuite.h"
 #include "photoshop/HostText.h"
 #include "photoshop/PhotoshopFontUtils.h"
-#include "propertylist/StringConversion.h"
+#include "propertylist/MacRoman.h"
 #include "sdk/Tarn.h"
 #include "state/KestraneGlobals.h"
 

@@ -72,17 +72,33 @@ Dictionary* Value::AsDictionary() const {
 }
 
 bool Value::Equals(const Value& other, int depth) const {
-  if (depth >= kMaxEqualsDepth || mValue.index() != other.mValue.index()) return false;
+  if (mValue.index() != other.mValue.index()) return false;
+  // Kinds without a value inside of them, and one and the same container.
+  if (mValue == other.mValue) return true;
+  if (depth >= kMaxEqualsDepth) return false;
   if (const Array* array = AsArray()) return AreEqual(*array, *other.AsArray(), depth + 1);
   if (const Dictionary* dictionary = AsDictionary()) {
     return AreEqual(*dictionary, *other.AsDictionary(), depth + 1);
   }
-  return mValue == other.mValue;
+  return false;
 }
 
 DictionaryRef Array::DictionaryAt(std::size_t index) const {
   if (index >= mValues.size()) return nullptr;
   return DictionaryRef::Share(mValues[index].AsDictionary());
+}
+
+bool Array::Move(std::size_t from, std::size_t to) {
+  if (from >= mValues.size() || to >= mValues.size()) return false;
+  const auto at = [this](std::size_t i) {
+    return mValues.begin() + static_cast<std::ptrdiff_t>(i);
+  };
+  if (from < to) {
+    std::rotate(at(from), at(from) + 1, at(to) + 1);
+  } else {
+    std::rotate(at(to), at(from), at(from) + 1);
+  }
+  return true;
 }
 
 ArrayRef Array::Copy() const {

@@ -124,7 +124,8 @@ class Value {
   Array* AsArray() const;
   Dictionary* AsDictionary() const;
 
-  // Deep equality; a container that holds itself ends at a depth of 64 as unequal.
+  // Deep equality. A container equals itself; two of them that are nested deeper than 64 levels, or
+  // without end, are unequal.
   bool Equals(const Value& other, int depth = 0) const;
 
  private:
@@ -156,6 +157,8 @@ class Array final : public PLArray {
   void Remove(std::size_t index) {
     mValues.erase(mValues.begin() + static_cast<std::ptrdiff_t>(index));
   }
+  // Moves an entry and those between by one place. False if either place is past the end.
+  bool Move(std::size_t from, std::size_t to);
   void Clear() { mValues.clear(); }
   // Another array of the same entries.
   ArrayRef Copy() const;

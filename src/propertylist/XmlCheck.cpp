@@ -48,7 +48,12 @@ bool IsInteger(std::string_view text) {
   return IsNumber<std::int64_t>(number);
 }
 
-bool IsReal(std::string_view text) { return IsNumber<double>(NumberText(text)); }
+bool IsReal(std::string_view text) {
+  const std::string_view number = NumberText(text);
+  // No "inf" and no "nan".
+  return number.find_first_not_of("+-.0123456789eE") == std::string_view::npos &&
+         IsNumber<double>(number);
+}
 
 bool IsBase64(std::string_view text) {
   std::size_t count = 0;

@@ -3,6 +3,7 @@
 #include <locale.h>
 #include <plist/plist.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 
@@ -53,7 +54,9 @@ class TreeBuilder {
     if (const std::int64_t* number = value.AsInteger()) {
       return Node(plist_new_uint(static_cast<std::uint64_t>(*number)));
     }
-    if (const double* number = value.AsReal()) return Node(plist_new_real(*number));
+    if (const double* number = value.AsReal()) {
+      return std::isfinite(*number) ? Node(plist_new_real(*number)) : nullptr;
+    }
     if (const std::string* text = value.AsString()) {
       return Accept(*text) ? Node(plist_new_string(text->c_str())) : nullptr;
     }

@@ -89,6 +89,7 @@ TEST(Value, EqualityIsDeepAndEnds) {
   snake->Append(snake);
   twin->Append(twin);
   EXPECT_FALSE(Value(snake).Equals(twin));
+  EXPECT_TRUE(Value(snake).Equals(snake));
   snake->Clear();
   twin->Clear();
 }

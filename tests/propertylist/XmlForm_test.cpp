@@ -5,6 +5,7 @@
 #include <clocale>
 #include <cmath>
 
+#include "foundation/GString.h"
 #include "propertylist/FontRecord.h"
 
 namespace {
@@ -38,6 +39,15 @@ std::string Repeated(int count, const std::string& text) {
   return all;
 }
 
+void ExpectRoundTrip(const Value& value) {
+  const std::optional<std::string> xml = WriteXml(value);
+  ASSERT_TRUE(xml);
+  const std::optional<Value> read = ReadXml(*xml);
+  ASSERT_TRUE(read) << *xml;
+  EXPECT_TRUE(read->Equals(value)) << *xml;
+  EXPECT_EQ(WriteXml(*read), xml);
+}
+
 TEST(XmlForm, WritesTheKnownForm) {
   const FontRecord record = MakeFontRecord();
   record->Set("PostScriptName", "A<B & \"C\"");
@@ -68,13 +78,55 @@ TEST(XmlForm, EveryKindRoundTripsByteForByte) {
   all->Set("no data", Data());
   all->Set("array", Array::Create());
   all->Set("record", Dictionary::Create());
-  const std::optional<std::string> xml = WriteXml(all);
-  ASSERT_TRUE(xml);
-  const std::optional<Value> read = ReadXml(*xml);
-  ASSERT_TRUE(read);
-  EXPECT_TRUE(read->Equals(all)) << *xml;
-  EXPECT_EQ(WriteXml(*read), xml);
-  EXPECT_EQ(ReadXml("\xEF\xBB\xBF" + *xml)->Equals(all), true);
+  ExpectRoundTrip(all);
+  EXPECT_EQ(ReadXml("\xEF\xBB\xBF" + WriteXml(all).value())->Equals(all), true);
+}
+
+TEST(XmlForm, ValuesAtTheEndsOfTheirKindsRoundTrip) {
+  for (const double real : {-0.0, 1e308, 5e-324, -2.2250738585072009e-308, 1.0 / 3, 1e16, -1e-5,
+                            0x1.fffffffffffffp+1023, 123456789.125}) {
+    ExpectRoundTrip(real);
+  }
+  for (const std::int64_t integer : {std::int64_t{-1}, std::int64_t{0}, std::int64_t{INT64_MIN}}) {
+    ExpectRoundTrip(integer);
+  }
+  for (const double real : {HUGE_VAL, -HUGE_VAL, std::nan("")}) EXPECT_FALSE(WriteXml(real));
+  for (std::size_t size = 0; size <= 10'000; size += size < 200 ? 1 : 977) {
+    Data data(size);
+    for (std::size_t i = 0; i < size; ++i) data[i] = static_cast<unsigned char>(i * 31 + size);
+    ExpectRoundTrip(data);
+  }
+}
+
+TEST(XmlForm, EveryCharacterRoundTripsInTextsAndKeys) {
+  std::string all = "\r\n \t";
+  for (char32_t c = 1; c <= 0x10FFFF; c += c < 0x3000 ? 1 : 0x101) {
+    const std::string utf8 = GString::OSUnicodeToUtf8(std::u32string(1, c));
+    const bool isXml = c >= 0x20 ? c < 0xFFFE || c > 0xFFFF : c == 9 || c == 10 || c == 13;
+    if (!utf8.empty() && isXml) all += utf8;
+  }
+  all += "]]>&amp;&#65;<!--<![CDATA[ \r\n";
+  const DictionaryRef record = Dictionary::Create();
+  record->Set(all, all);
+  record->Set("\r\n", "");
+  record->Set(" ", " ");
+  // Held twice, written twice.
+  const ArrayRef array = Array::Create();
+  array->Append(record);
+  array->Append(record);
+  ExpectRoundTrip(array);
+}
+
+TEST(XmlForm, ArchiveReferencesStayDictionaries) {
+  for (const Value& value :
+       {Value(3), Value(-1), Value("x"), Value(true), Value(Array::Create())}) {
+    const DictionaryRef reference = Dictionary::Create();
+    reference->Set("CF$UID", value);
+    const ArrayRef array = Array::Create();
+    array->Append(reference);
+    ExpectRoundTrip(reference);
+    ExpectRoundTrip(array);
+  }
 }
 
 TEST(XmlForm, ManyKeysStayInOrder) {
@@ -139,7 +191,12 @@ TEST(XmlForm, RefusesWhatIsNoPropertyList) {
       "<integer>010</integer>",
       "<integer>+-1</integer>",
       "<integer>9223372036854775808</integer>",
+      "<integer>0x10</integer>",
+      "<integer>-9223372036854775809</integer>",
       "<real>x</real>",
+      "<real>nan</real>",
+      "<real>-inf</real>",
+      "<real>1e999</real>",
       "<real>+-1.5</real>",
       "<real/>",
       "<real>1,5</real>",
@@ -166,6 +223,7 @@ TEST(XmlForm, RefusesWhatIsNoPropertyList) {
       "<string a=\">\">x</string>",
       "<string a=\"x>y</string>",
       "<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><true/></plist>",
+      "<!DOCTYPE p [<!ENTITY a \"&b;&b;\"><!ENTITY b \"&a;\">]><string>&a;</string>",
       "<!-- <true/>",
       "<?xml <true/>",
       "<",
@@ -190,7 +248,8 @@ TEST(XmlForm, DepthIsBounded) {
   const auto nested = [](int depth) {
     return Repeated(depth, "<array>") + Repeated(depth, "</array>");
   };
-  EXPECT_TRUE(ReadXml(nested(64)));
+  ExpectRoundTrip(ReadXml(nested(64)).value());
+  ExpectRoundTrip(ReadXml(Repeated(64, "<array>") + "<true/>" + Repeated(64, "</array>")).value());
   EXPECT_FALSE(ReadXml(nested(65)));
   EXPECT_FALSE(ReadXml(Repeated(1'000'000, "<array>")));
   EXPECT_FALSE(ReadXml(Repeated(200'000, "<dict><key>a</key>")));

@@ -22,3 +22,23 @@ PLArrayRef MakeFontsInC(void) {
   PLDictionaryRelease(record);
   return fonts;
 }
+
+PLDictionaryRef MakeEveryKindInC(void) {
+  PLArrayRef list = PLArrayCreate();
+  PLArrayAppendReal(list, -0.5);
+  PLArrayAppendBool(list, true);
+  PLArrayAppendData(list, "\0\377", 2);
+  PLArrayAppendNull(list);
+  PLArrayRef inner = PLArrayCreate();
+  PLArrayAppendArray(list, inner);
+  PLArrayAppendString(list, "first", 5);
+  PLArrayMove(list, 5, 0); /* an insert */
+  PLArrayRelease(inner);
+
+  PLDictionaryRef record = PLDictionaryCreate();
+  PLDictionarySetData(record, "data", "abc", 3);
+  PLDictionarySetNull(record, "null");
+  PLDictionarySetArray(record, "list", list);
+  PLArrayRelease(list);
+  return record;
+}

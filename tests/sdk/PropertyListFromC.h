@@ -8,8 +8,10 @@
 extern "C" {
 #endif
 
-/* An array of one record with a value of every kind that crosses; the caller has its one count. */
+/* An array of one record with texts, numbers and containers; the caller has its one count. */
 PLArrayRef MakeFontsInC(void);
+/* A record of one count with data, a null, and a list of every kind that is not in the other. */
+PLDictionaryRef MakeEveryKindInC(void);
 
 #ifdef __cplusplus
 }

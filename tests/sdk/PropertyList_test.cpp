@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "propertylist/Value.h"
@@ -52,6 +53,71 @@ TEST(PropertyListBorder, RecordMadeInCIsReadThroughHandles) {
   PLDictionaryRelease(record);
 }
 
+TEST(PropertyListBorder, EveryKindFromC) {
+  PLDictionaryRef record = MakeEveryKindInC();
+  size_t length = 0;
+  EXPECT_EQ(std::memcmp(PLDictionaryGetData(record, "data", &length), "abc", 3), 0);
+  EXPECT_EQ(length, 3U);
+  EXPECT_EQ(PLDictionaryGetKind(record, "null"), kPLNull);
+  PLArrayRef list = PLDictionaryGetArray(record, "list");
+  const PLKind kinds[] = {kPLStringKind, kPLReal,      kPLBool,  kPLData,
+                          kPLNull,       kPLArrayKind, kPLAbsent};
+  for (size_t i = 0; i < std::size(kinds); ++i) EXPECT_EQ(PLArrayGetKind(list, i), kinds[i]) << i;
+  double real = 0;
+  bool flag = false;
+  EXPECT_TRUE(PLArrayGetReal(list, 1, &real));
+  EXPECT_EQ(real, -0.5);
+  EXPECT_FALSE(PLArrayGetReal(list, 0, &real));
+  EXPECT_TRUE(PLArrayGetBool(list, 2, &flag));
+  EXPECT_TRUE(flag);
+  EXPECT_EQ(std::memcmp(PLArrayGetData(list, 3, &length), "\0\377", 2), 0);
+  EXPECT_EQ(PLArrayGetData(list, 0, &length), nullptr);
+  EXPECT_EQ(length, 0U);
+  EXPECT_EQ(PLArrayGetCount(PLArrayGetArray(list, 5)), 0U);
+
+  PLArrayMove(list, 0, 5);
+  PLArrayMove(list, 0, 6);
+  PLArrayRemove(list, 6);
+  PLArrayRemove(list, 4);
+  EXPECT_STREQ(PLArrayGetString(list, 4, nullptr), "first");
+  PLArrayRef copy = PLArrayCopy(list);
+  EXPECT_TRUE(PLArrayEquals(copy, list));
+  PLArrayClear(copy);
+  EXPECT_EQ(PLArrayGetCount(list), 5U);
+  EXPECT_FALSE(PLArrayEquals(copy, list));
+  PLArrayRelease(copy);
+  PLDictionaryRef other = PLDictionaryCopy(record);
+  EXPECT_TRUE(PLDictionaryEquals(other, record));
+  PLDictionaryClear(other);
+  EXPECT_FALSE(PLDictionaryEquals(other, record));
+  PLDictionaryRelease(other);
+  PLDictionaryRelease(record);
+}
+
+TEST(PropertyListBorder, XmlForm) {
+  PLArrayRef fonts = MakeFontsInC();
+  EXPECT_EQ(PLArrayCopyXml(fonts), nullptr);  // a zero byte
+  PLArrayAppendString(PLDictionaryGetArray(PLArrayGetDictionary(fonts, 0), "names"), "two", 3);
+  PLArrayRemove(PLDictionaryGetArray(PLArrayGetDictionary(fonts, 0), "names"), 0);
+  PLStringRef xml = PLArrayCopyXml(fonts);
+  ASSERT_NE(xml, nullptr);
+  PLArrayRef read = PLArrayCreateFromXml(PLStringGetText(xml), PLStringGetLength(xml));
+  EXPECT_TRUE(PLArrayEquals(read, fonts));
+  EXPECT_EQ(PLDictionaryCreateFromXml(PLStringGetText(xml), PLStringGetLength(xml)), nullptr);
+  EXPECT_EQ(PLArrayCreateFromXml(PLStringGetText(xml), PLStringGetLength(xml) / 2), nullptr);
+  PLArrayRelease(read);
+  PLStringRelease(xml);
+
+  PLStringRef record = PLDictionaryCopyXml(PLArrayGetDictionary(fonts, 0));
+  PLDictionaryRef copy =
+      PLDictionaryCreateFromXml(PLStringGetText(record), PLStringGetLength(record));
+  EXPECT_TRUE(PLDictionaryEquals(copy, PLArrayGetDictionary(fonts, 0)));
+  PLDictionaryRelease(copy);
+  PLStringRelease(record);
+  PLArrayRelease(fonts);
+  EXPECT_EQ(PLArrayCreateFromXml(nullptr, 9), nullptr);
+}
+
 TEST(PropertyListBorder, AbsentAndOtherKinds) {
   PLDictionaryRef record = PLDictionaryCreate();
   PLDictionarySetString(record, "text", "12", 2);
@@ -91,6 +157,12 @@ TEST(PropertyListBorder, NullHandlesAreEmpty) {
   PLArrayAppendInteger(nullptr, 1);
   PLDictionarySetBool(nullptr, "a", true);
   PLDictionaryRemove(nullptr, "a");
+  PLArrayMove(nullptr, 0, 0);
+  PLArrayRemove(nullptr, 0);
+  EXPECT_EQ(PLArrayCopy(nullptr), nullptr);
+  EXPECT_EQ(PLDictionaryCopyXml(nullptr), nullptr);
+  EXPECT_TRUE(PLDictionaryEquals(nullptr, nullptr));
+  EXPECT_EQ(PLArrayGetData(nullptr, 0, nullptr), nullptr);
   PLStringRelease(nullptr);
   PLArrayRelease(nullptr);
   PLDictionaryRelease(nullptr);
