@@ -1,6 +1,7 @@
 #include "foundation/GLogger.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <exception>
 #include <string_view>
@@ -25,10 +26,8 @@ constexpr LevelName kLevelTexts[] = {
 };
 
 constexpr std::size_t kFirstStringBufferSize = 256;
-
-char AsciiToLower(char character) {
-  return character >= 'A' && character <= 'Z' ? static_cast<char>(character | 0x20) : character;
-}
+// Identifiers up to this length are looked up without an allocation.
+constexpr std::size_t kUsualIdentifierSize = 64;
 
 bool IsSilent(GLogger::LoggingLevel level) {
   return level == GLogger::eNone || level == GLogger::eUnknown;
@@ -201,19 +200,8 @@ void GLogger::LogvString(const char* format, std::va_list arguments) {
   }
 }
 
-bool GLogger::IdentifierLess::operator()(std::string_view a, std::string_view b) const {
-  const std::size_t common = std::min(a.size(), b.size());
-  for (std::size_t i = 0; i < common; ++i) {
-    if (a[i] == b[i]) continue;
-    const char x = AsciiToLower(a[i]);
-    const char y = AsciiToLower(b[i]);
-    if (x != y) return x < y;
-  }
-  return a.size() < b.size();
-}
-
 bool GLogger::ShouldLog(std::string_view identifier, LoggingLevel level) {
-  if (IsSilent(level)) return false;
+  if (IsSilent(level) || level > mHighestLevel.load(std::memory_order_relaxed)) return false;
   const LoggingLevel threshold = GetLoggingLevelForIdentifier(identifier);
   return !IsSilent(threshold) && threshold >= level;
 }
@@ -228,24 +216,47 @@ GLogger::LoggingLevel GLogger::GetDefaultLoggingLevel() {
 
 void GLogger::SetLoggingLevelForIdentifier(const std::string& identifier, LoggingLevel level) {
   const GScopedLock lock(mLevelsMutex);
-  if (lock.IsLocked()) mLevels[GStringUtils::AsciiToLowerCase(identifier)] = level;
+  if (lock.IsLocked()) StoreLevel(GStringUtils::AsciiToLowerCase(identifier), level);
 }
 
 GLogger::LoggingLevel GLogger::GetLoggingLevelForIdentifier(std::string_view identifier) {
+  if (identifier.size() > kUsualIdentifierSize) {
+    return LevelOfLowerCase(GStringUtils::AsciiToLowerCase(identifier));
+  }
+  std::array<char, kUsualIdentifierSize> lower;
+  for (std::size_t i = 0; i < identifier.size(); ++i) {
+    const char character = identifier[i];
+    const bool isUpper = character >= 'A' && character <= 'Z';
+    lower[i] = static_cast<char>(character | (isUpper ? 0x20 : 0));
+  }
+  return LevelOfLowerCase({lower.data(), identifier.size()});
+}
+
+GLogger::LoggingLevel GLogger::LevelOfLowerCase(std::string_view identifier) {
   const GScopedLock lock(mLevelsMutex);
   if (!lock.IsLocked()) return eUnknown;
-  auto found = mLevels.find(identifier);
-  if (found == mLevels.end() && identifier != mDefaultIdentifier) {
-    found = mLevels.find(mDefaultIdentifier);
-  }
-  return found == mLevels.end() ? eUnknown : found->second;
+  const auto found = mLevels.find(identifier);
+  if (found != mLevels.end()) return found->second;
+  return mDefaultLevel == nullptr ? eUnknown : *mDefaultLevel;
 }
 
 void GLogger::ResetAllLoggingLevels() {
   const GScopedLock lock(mLevelsMutex);
   if (!lock.IsLocked()) return;
   mLevels.clear();
-  mLevels[mDefaultIdentifier] = eWarning;
+  mDefaultLevel = StoreLevel(mDefaultIdentifier, eWarning);
+}
+
+const GLogger::LoggingLevel* GLogger::StoreLevel(const std::string& identifier,
+                                                 LoggingLevel level) {
+  LoggingLevel& stored = mLevels[identifier];
+  stored = level;
+  LoggingLevel highest = eNone;
+  for (const auto& row : mLevels) {
+    if (!IsSilent(row.second)) highest = std::max(highest, row.second);
+  }
+  mHighestLevel.store(highest, std::memory_order_relaxed);
+  return &stored;
 }
 
 void GLogger::SetAppender(const std::string& identifier, GLogAppender* appender) {

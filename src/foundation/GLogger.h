@@ -12,8 +12,10 @@
 // another thread that logs.
 #pragma once
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -68,7 +70,8 @@ class GLogger {
   void LogString(const char* format, ...) __attribute__((format(printf, 2, 3)));
   void LogvString(const char* format, std::va_list arguments);
 
-  // Does the identifier's level reach `level`? Costs a lock and a look-up, and no allocation.
+  // Does the identifier's level reach `level`? At once false if no identifier's does; else a lock
+  // and a look-up, without an allocation for an identifier of up to 64 bytes.
   bool ShouldLog(std::string_view identifier, LoggingLevel level);
   const std::string& GetDefaultLoggingIdentifier() const { return mDefaultIdentifier; }
   const std::string& GetDefaultAppenderIdentifier() const { return mDefaultIdentifier; }
@@ -94,15 +97,15 @@ class GLogger {
   friend class GSingleton<GLogger>;  // the format buffer is one, so there is one logger
   GLogger();
 
-  // By ASCII letters without case; finds by borrowed text.
-  struct IdentifierLess {
-    using is_transparent = void;
-    bool operator()(std::string_view a, std::string_view b) const;
-  };
+  LoggingLevel LevelOfLowerCase(std::string_view identifier);
+  // The levels lock is held. Gives the place in mLevels.
+  const LoggingLevel* StoreLevel(const std::string& identifier, LoggingLevel level);
 
   GMutex mAppendersMutex;
   std::map<std::string, std::unique_ptr<GLogAppender>> mAppenders;
   GMutex mLevelsMutex;
-  std::map<std::string, LoggingLevel, IdentifierLess> mLevels;  // keys are lower case
+  std::map<std::string, LoggingLevel, std::less<>> mLevels;  // by lower-case identifier
+  const LoggingLevel* mDefaultLevel = nullptr;               // that of "default" in mLevels
   const std::string mDefaultIdentifier = "default";
+  std::atomic<LoggingLevel> mHighestLevel{eNone};  // of all in mLevels that are not silent
 };

@@ -71,12 +71,19 @@ TEST_F(GLoggerTest, LevelsByIdentifierHaveNoCase) {
 
   mLogger->SetLoggingLevelForIdentifier("mute", GLogger::eNone);
   EXPECT_FALSE(mLogger->ShouldLog("mute", GLogger::eError));
+  const std::string longOne(100, 'L');
+  mLogger->SetLoggingLevelForIdentifier(longOne, GLogger::eInfo);
+  EXPECT_TRUE(mLogger->ShouldLog(std::string(100, 'l'), GLogger::eInfo));
+  EXPECT_FALSE(mLogger->ShouldLog(longOne + "l", GLogger::eInfo));
   mLogger->SetDefaultLoggingLevel(GLogger::eUnknown);
   EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eError));
   mLogger->SetDefaultLoggingLevel(GLogger::eError);
   EXPECT_TRUE(mLogger->ShouldLog("other", GLogger::eError));
   EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eWarning));
   EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eNone));
+  mLogger->ResetAllLoggingLevels();
+  EXPECT_FALSE(mLogger->ShouldLog("miscellaneous", GLogger::eInfo));
+  EXPECT_TRUE(mLogger->ShouldLog("Mute", GLogger::eWarning));
 }
 
 TEST_F(GLoggerTest, TextsAroundTheBufferSizeAreWhole) {
