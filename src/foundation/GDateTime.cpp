@@ -188,8 +188,8 @@ TModuleErrorCode GDateTime::GetSecondsSince1970(unsigned long long& seconds) con
   for (std::size_t month = 1; month < mDateTime.nMonth; ++month) {
     days += MonthDaysOfYear(currentYear)[month - 1];
   }
-  seconds =
-      days * kSecondsPerDay + mDateTime.nHour * 3600U + mDateTime.nMinute * 60U + mDateTime.nSecond;
+  const unsigned int minutes = mDateTime.nHour * 60U + mDateTime.nMinute;
+  seconds = days * kSecondsPerDay + minutes * 60ULL + mDateTime.nSecond;
   return 0;
 }
 

@@ -265,7 +265,7 @@ void GLogger::SetAppender(const std::string& identifier, GLogAppender* appender)
   if (!lock.IsLocked()) return;
   if (owned) {
     std::unique_ptr<GLogAppender>& slot = mAppenders[identifier];
-    if (slot == owned) slot.release();  // set again: it stays
+    if (slot == owned) static_cast<void>(slot.release());  // set again: it stays
     slot = std::move(owned);
   } else {
     mAppenders.erase(identifier);
