@@ -1,6 +1,7 @@
 // The four check forms. Each evaluates an expression; on failure it writes one error record and
-// leaves the function with a code. The record's file is the source file's name without folder and
-// ending.
+// leaves the function with a code. The record has the text of the expression as it stands in the
+// source (a line break counts as one blank) and, as its file, the source file's name without folder
+// and ending. Nothing is paid on success but the test.
 #pragma once
 
 #include "foundation/ErrorCodes.h"

@@ -1,5 +1,8 @@
 // Result codes of the whole font manager family: the error number in the top byte, the module in
 // the low 24 bits, 0 for success. The table of all codes and names is ErrorCodes.def.
+//
+// The font manager also sends codes that the family never named: 0x02005001, 0x02007005, 0x02007008
+// and 0x03007005. They are plain constants where they are used, and the look-ups don't know them.
 #pragma once
 
 #include <cstdint>

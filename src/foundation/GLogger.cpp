@@ -1,16 +1,17 @@
 #include "foundation/GLogger.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <ctime>
+#include <exception>
 #include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "foundation/ErrorChecks.h"
+#include "foundation/GDateTime.h"
 #include "foundation/GStringUtils.h"
-#include "foundation/WallClock.h"
 
 namespace {
 
@@ -25,65 +26,71 @@ constexpr LevelName kLevelTexts[] = {
 };
 
 constexpr std::size_t kFirstStringBufferSize = 256;
+// Identifiers up to this length are looked up without an allocation.
+constexpr std::size_t kUsualIdentifierSize = 64;
 
 bool IsSilent(GLogger::LoggingLevel level) {
   return level == GLogger::eNone || level == GLogger::eUnknown;
 }
 
-std::string PresentTimeText() {
-  const std::int64_t milliseconds = WallClock::NowMilliseconds();
-  const std::time_t seconds = static_cast<std::time_t>(milliseconds / 1000);
-  std::tm fields{};
-  gmtime_r(&seconds, &fields);
-  std::array<char, 96> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ",
-                fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour,
-                fields.tm_min, fields.tm_sec, static_cast<int>(milliseconds % 1000));
-  return text.data();
-}
-
 // The thread that is writing a line just now: what it logs meanwhile comes from within an appender.
 class CurrentLogThread {
  public:
+  // Also true if that can't be found out.
   static bool IsThisThread() {
-    const GScopedLock lock(Mutex());
-    return sCurrentLogThread == std::this_thread::get_id();
+    Guarded& guarded = Shared();
+    const GScopedLock lock(guarded.mutex);
+    return !lock.IsLocked() || guarded.sCurrentLogThread == std::this_thread::get_id();
   }
 
-  CurrentLogThread() { Set(std::this_thread::get_id()); }
+  CurrentLogThread() : mIsSet(Set(std::this_thread::get_id())) {}
   ~CurrentLogThread() { Set({}); }
   CurrentLogThread(const CurrentLogThread&) = delete;
   CurrentLogThread& operator=(const CurrentLogThread&) = delete;
+  bool IsSet() const { return mIsSet; }
 
  private:
-  static GMutex& Mutex() {
-    static GMutex& mutex = *new GMutex;
-    return mutex;
+  struct Guarded {
+    GMutex mutex;
+    std::thread::id sCurrentLogThread;
+  };
+
+  static Guarded& Shared() {
+    static Guarded& guarded = *new Guarded;
+    return guarded;
   }
 
-  static void Set(std::thread::id thread) {
-    const GScopedLock lock(Mutex());
-    sCurrentLogThread = thread;
+  static bool Set(std::thread::id thread) {
+    Guarded& guarded = Shared();
+    const GScopedLock lock(guarded.mutex);
+    if (lock.IsLocked()) guarded.sCurrentLogThread = thread;
+    return lock.IsLocked();
   }
 
-  static std::thread::id sCurrentLogThread;
+  bool mIsSet;
 };
 
-std::thread::id CurrentLogThread::sCurrentLogThread;
+// The text's length, whatever fits, and `arguments` can be used again.
+int FormatInto(std::vector<char>& buffer, const char* format, std::va_list arguments) {
+  std::va_list copy;
+  va_copy(copy, arguments);
+  const int length = std::vsnprintf(buffer.data(), buffer.size(), format, copy);
+  va_end(copy);
+  return length;
+}
 
 // Formats into a buffer that is kept from call to call; the caller holds the appenders lock.
 std::string_view FormatIntoStringBuffer(const char* format, std::va_list arguments) {
   static std::vector<char>& sStringBuffer = *new std::vector<char>(kFirstStringBufferSize);
-  std::va_list again;
-  va_copy(again, arguments);
-  int length = std::vsnprintf(sStringBuffer.data(), sStringBuffer.size(), format, arguments);
+  int length = FormatInto(sStringBuffer, format, arguments);
   if (length >= 0 && static_cast<std::size_t>(length) >= sStringBuffer.size()) {
     sStringBuffer.resize((static_cast<std::size_t>(length) + 257) & ~std::size_t{255});
-    length = std::vsnprintf(sStringBuffer.data(), sStringBuffer.size(), format, again);
+    length = FormatInto(sStringBuffer, format, arguments);
   }
-  va_end(again);
   if (length < 0) return {};
-  return {sStringBuffer.data(), static_cast<std::size_t>(length)};
+  // A text that another thread lengthens meanwhile is cut.
+  return {sStringBuffer.data(),
+          std::min(static_cast<std::size_t>(length), sStringBuffer.size() - 1)};
 }
 
 std::string FileNameWithoutEnding(std::string_view path) {
@@ -181,15 +188,20 @@ void GLogger::LogvString(const char* format, std::va_list arguments) {
   const GScopedLock lock(mAppendersMutex);
   if (!lock.IsLocked()) return;
   const CurrentLogThread logging;
-  if (mAppenders.empty()) return;
+  if (!logging.IsSet() || mAppenders.empty()) return;
   const std::string_view text = FormatIntoStringBuffer(format, arguments);
-  std::string line = "[" + PresentTimeText() + "]\t";
+  std::string line = "[" + GDateTime().GetAsISO8601String(true) + "]\t";
   line.append(text).append("\n");
-  for (const auto& [identifier, appender] : mAppenders) appender->Log(line);
+  for (const auto& [identifier, appender] : mAppenders) {
+    try {
+      appender->Log(line);
+    } catch (const std::exception&) {  // not for whoever logs; all else belongs to the thread's end
+    }
+  }
 }
 
-bool GLogger::ShouldLog(const std::string& identifier, LoggingLevel level) {
-  if (IsSilent(level)) return false;
+bool GLogger::ShouldLog(std::string_view identifier, LoggingLevel level) {
+  if (IsSilent(level) || level > mHighestLevel.load(std::memory_order_relaxed)) return false;
   const LoggingLevel threshold = GetLoggingLevelForIdentifier(identifier);
   return !IsSilent(threshold) && threshold >= level;
 }
@@ -204,26 +216,47 @@ GLogger::LoggingLevel GLogger::GetDefaultLoggingLevel() {
 
 void GLogger::SetLoggingLevelForIdentifier(const std::string& identifier, LoggingLevel level) {
   const GScopedLock lock(mLevelsMutex);
-  if (lock.IsLocked()) mLevels[GStringUtils::AsciiToLowerCase(identifier)] = level;
+  if (lock.IsLocked()) StoreLevel(GStringUtils::AsciiToLowerCase(identifier), level);
 }
 
-GLogger::LoggingLevel GLogger::GetLoggingLevelForIdentifier(const std::string& identifier) {
+GLogger::LoggingLevel GLogger::GetLoggingLevelForIdentifier(std::string_view identifier) {
+  if (identifier.size() > kUsualIdentifierSize) {
+    return LevelOfLowerCase(GStringUtils::AsciiToLowerCase(identifier));
+  }
+  std::array<char, kUsualIdentifierSize> lower;
+  for (std::size_t i = 0; i < identifier.size(); ++i) {
+    const char character = identifier[i];
+    const bool isUpper = character >= 'A' && character <= 'Z';
+    lower[i] = static_cast<char>(character | (isUpper ? 0x20 : 0));
+  }
+  return LevelOfLowerCase({lower.data(), identifier.size()});
+}
+
+GLogger::LoggingLevel GLogger::LevelOfLowerCase(std::string_view identifier) {
   const GScopedLock lock(mLevelsMutex);
   if (!lock.IsLocked()) return eUnknown;
-  auto found = mLevels.find(GStringUtils::AsciiToLowerCase(identifier));
-  if (found == mLevels.end() && identifier != GetDefaultLoggingIdentifier()) {
-    found = mLevels.find(GetDefaultLoggingIdentifier());
-  }
-  return found == mLevels.end() ? eUnknown : found->second;
+  const auto found = mLevels.find(identifier);
+  if (found != mLevels.end()) return found->second;
+  return mDefaultLevel == nullptr ? eUnknown : *mDefaultLevel;
 }
 
 void GLogger::ResetAllLoggingLevels() {
-  {
-    const GScopedLock lock(mLevelsMutex);
-    if (!lock.IsLocked()) return;
-    mLevels.clear();
+  const GScopedLock lock(mLevelsMutex);
+  if (!lock.IsLocked()) return;
+  mLevels.clear();
+  mDefaultLevel = StoreLevel(mDefaultIdentifier, eWarning);
+}
+
+const GLogger::LoggingLevel* GLogger::StoreLevel(const std::string& identifier,
+                                                 LoggingLevel level) {
+  LoggingLevel& stored = mLevels[identifier];
+  stored = level;
+  LoggingLevel highest = eNone;
+  for (const auto& row : mLevels) {
+    if (!IsSilent(row.second)) highest = std::max(highest, row.second);
   }
-  SetDefaultLoggingLevel(eWarning);
+  mHighestLevel.store(highest, std::memory_order_relaxed);
+  return &stored;
 }
 
 void GLogger::SetAppender(const std::string& identifier, GLogAppender* appender) {
@@ -231,7 +264,9 @@ void GLogger::SetAppender(const std::string& identifier, GLogAppender* appender)
   const GScopedLock lock(mAppendersMutex);
   if (!lock.IsLocked()) return;
   if (owned) {
-    mAppenders[identifier] = std::move(owned);
+    std::unique_ptr<GLogAppender>& slot = mAppenders[identifier];
+    if (slot == owned) static_cast<void>(slot.release());  // set again: it stays
+    slot = std::move(owned);
   } else {
     mAppenders.erase(identifier);
   }

@@ -1,14 +1,25 @@
 // The foundation's log: levels by identifier, pluggable appenders, one line per call:
-// [ISO 8601 time]\t[identifier]\t[Level]\ttext. Identifiers have no case.
+// [ISO 8601 time]\t[identifier]\t[Level]\ttext. Formats are those of printf.
 //
-// [any-thread] Whole lines are serialised; an appender that logs is dropped, not recursed into.
+// An identifier is a constant of the program: its case does not matter, which holds for ASCII
+// letters only, and it becomes part of the format, so a "%" in it counts as a conversion.
+//
+// A message at level 0 is never written: whoever wants it seen writes it to the plug-in log.
+//
+// [any-thread] Whole lines are serialised. What an appender logs itself is dropped, and so is a
+// line whose lock can't be had. An appender that throws a std::exception loses its line, and the
+// others still get theirs; nothing stays locked, whatever it throws. An appender must not wait for
+// another thread that logs.
 #pragma once
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "foundation/GMutex.h"
 #include "foundation/GSingleton.h"
@@ -38,7 +49,6 @@ class GLogger {
     eUnknown = 0xFFFFFFFF
   };
 
-  GLogger();
   static GLogger* GetSharedInstance() { return GSingleton<GLogger>::GetSharedInstance(); }
 
   // Case is ignored; "Warn" is a warning too; eUnknown for any other text.
@@ -60,20 +70,23 @@ class GLogger {
   void LogString(const char* format, ...) __attribute__((format(printf, 2, 3)));
   void LogvString(const char* format, std::va_list arguments);
 
-  bool ShouldLog(const std::string& identifier, LoggingLevel level);
-  std::string GetDefaultLoggingIdentifier() const { return "default"; }
-  std::string GetDefaultAppenderIdentifier() const { return "default"; }
+  // Does the identifier's level reach `level`? At once false if no identifier's does; else a lock
+  // and a look-up, without an allocation for an identifier of up to 64 bytes.
+  bool ShouldLog(std::string_view identifier, LoggingLevel level);
+  const std::string& GetDefaultLoggingIdentifier() const { return mDefaultIdentifier; }
+  const std::string& GetDefaultAppenderIdentifier() const { return mDefaultIdentifier; }
   void SetDefaultLoggingLevel(LoggingLevel level);
   LoggingLevel GetDefaultLoggingLevel();
   void SetLoggingLevelForIdentifier(const std::string& identifier, LoggingLevel level);
-  LoggingLevel GetLoggingLevelForIdentifier(const std::string& identifier);
+  // That of "default" for an identifier without a level; eUnknown without that one too.
+  LoggingLevel GetLoggingLevelForIdentifier(std::string_view identifier);
   // Sets the level of each key whose value is of string type and whose text StringToLevel knows; of
   // an array the first element counts. All else is skipped. Defined with the trees.
   void SetLoggingLevelsFromKVTree(const GKVTree& levels);
   // Leaves only "default", at warning.
   void ResetAllLoggingLevels();
 
-  // Takes ownership; replaces an appender of that name; null removes it.
+  // Takes ownership; deletes and replaces an appender of that name; null removes it.
   void SetAppender(const std::string& identifier, GLogAppender* appender);
   // Lent; null if there is none.
   GLogAppender* GetAppender(const std::string& identifier);
@@ -81,8 +94,18 @@ class GLogger {
   void OSRegisterDefaultAppender();
 
  private:
+  friend class GSingleton<GLogger>;  // the format buffer is one, so there is one logger
+  GLogger();
+
+  LoggingLevel LevelOfLowerCase(std::string_view identifier);
+  // The levels lock is held. Gives the place in mLevels.
+  const LoggingLevel* StoreLevel(const std::string& identifier, LoggingLevel level);
+
   GMutex mAppendersMutex;
   std::map<std::string, std::unique_ptr<GLogAppender>> mAppenders;
   GMutex mLevelsMutex;
-  std::map<std::string, LoggingLevel> mLevels;
+  std::map<std::string, LoggingLevel, std::less<>> mLevels;  // by lower-case identifier
+  const LoggingLevel* mDefaultLevel = nullptr;               // that of "default" in mLevels
+  const std::string mDefaultIdentifier = "default";
+  std::atomic<LoggingLevel> mHighestLevel{eNone};  // of all in mLevels that are not silent
 };

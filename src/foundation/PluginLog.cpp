@@ -42,8 +42,7 @@ std::shared_ptr<const Sinks> CurrentSinks() {
 
 void FormatAndOutput(const char* format, std::va_list arguments) {
   const auto buffer = std::make_unique_for_overwrite<char[]>(kFormatBufferSize);
-  buffer[0] = '\0';
-  std::vsnprintf(buffer.get(), kFormatBufferSize, format, arguments);
+  if (std::vsnprintf(buffer.get(), kFormatBufferSize, format, arguments) < 0) buffer[0] = '\0';
   const std::size_t length = std::strlen(buffer.get());
   if (length < kFirstFullLength && (length == 0 || buffer[length - 1] != '\n')) {
     buffer[length] = '\n';
@@ -94,6 +93,8 @@ void OutputFormattedDebugString(const char* format, ...) {
 }
 
 #ifdef AUTOACTIVATION_TRACE
+int gIndentationLevel = 0;
+
 void OutputIndentedAndFormattedString(int, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

@@ -2,7 +2,10 @@
 // sink. The facade's loader sets the sinks when it has bound the facade's log; this room knows no
 // facade.
 //
-// Formats are those of printf. A line is cut at 64 KiB.
+// Formats are those of printf. A line is cut at 64 KiB; one of 65534 bytes and more gets no line
+// feed.
+//
+// [any-thread] The sinks are called without a lock, from whatever thread logs.
 #pragma once
 
 #include <functional>
@@ -26,13 +29,16 @@ void OutputSimpleDebugString(const char* text);
 // Formats and ends the text with a line feed, unless it has one.
 void OutputFormattedDebugString(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-// Traces entry (1), exit (-1) and results (0) of main operations. Writes nothing in normal builds;
-// a build for diagnosis defines AUTOACTIVATION_TRACE and gets the lines of
-// OutputFormattedDebugString.
+// Traces entry (1), exit (-1) and results (0) of main operations. A build for diagnosis defines
+// AUTOACTIVATION_TRACE and gets the lines of OutputFormattedDebugString. Any other build writes and
+// formats nothing: a call vanishes, except for work that its arguments do, so those should be
+// values at hand.
 #ifdef AUTOACTIVATION_TRACE
+extern int gIndentationLevel;  // for an indentation that nobody makes yet: stays 0
 void OutputIndentedAndFormattedString(int indentChange, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
 #else
-template <typename... Arguments>
-inline void OutputIndentedAndFormattedString(int, const char*, Arguments&&...) {}
+inline void OutputIndentedAndFormattedString(int indentChange, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
+inline void OutputIndentedAndFormattedString(int, const char*, ...) {}
 #endif

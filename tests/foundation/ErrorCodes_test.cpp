@@ -6,9 +6,11 @@
 #include <thread>
 
 #include "foundation/ErrorChecks.h"
+#include "foundation/GDateTime.h"
 #include "foundation/GFile.h"
 #include "foundation/GFileSystem.h"
 #include "foundation/GMutex.h"
+#include "foundation/TModuleErrorCodeError.h"
 #include "support/RecordingAppender.h"
 
 namespace {
@@ -53,7 +55,10 @@ TEST(ErrorCodes, NumberIsInTheTopByte) {
 
 TEST(ErrorCodes, UnknownOnesAreSaid) {
   EXPECT_EQ(GetNameForErrorCode(0x0B000000), "Unknown error code");  // a gap in the generic list
-  EXPECT_EQ(GetNameForErrorCode(0x0100100E), "Unknown error code");
+  for (const TModuleErrorCode code :
+       {0x0100100EU, 0x02005001U, 0x02007005U, 0x02007008U, 0x03007005U, 0xFFFFFFFFU}) {
+    EXPECT_EQ(GetNameForErrorCode(code), "Unknown error code") << code;
+  }
   EXPECT_EQ(GetErrorCodeForName("no such name"), 0x15000000U);
   EXPECT_EQ(GetErrorCodeForName("coreerrorcodes::kerror"), 0x15000000U);
 }
@@ -63,6 +68,7 @@ TEST(ErrorCodes, ConstantsOfClassesAgreeWithTheTable) {
   EXPECT_EQ(GetErrorCodeForName("GFileSystem::kFileNotFound"), GFileSystem::kFileNotFound);
   EXPECT_EQ(GetErrorCodeForName("GFileSystem::kDirectoryNotFound"),
             GFileSystem::kDirectoryNotFound);
+  EXPECT_EQ(GetErrorCodeForName("GDateTime::kParsingError"), GDateTime::kParsingError);
   EXPECT_EQ(GetErrorCodeForName("GFileSystem::kFileOrDirectoryAlreadyExists"),
             GFileSystem::kFileOrDirectoryAlreadyExists);
   EXPECT_EQ(GetErrorCodeForName("GFileSystem::kInvalidPath"), GFileSystem::kInvalidPath);
@@ -89,10 +95,23 @@ TEST(ErrorCodes, FirstLookUpsOfSeveralThreadsAgree) {
   }
 }
 
-TModuleErrorCode Fails() { return CoreErrorCodes::kNotFound; }
+TEST(ErrorCodes, ACodeTravelsAsAnException) {
+  try {
+    throw restful_mapper::TModuleErrorCodeError(CoreErrorCodes::kNotFound);
+  } catch (const std::exception& caught) {
+    EXPECT_STREQ(caught.what(), "CoreErrorCodes::kNotFound");
+    EXPECT_EQ(dynamic_cast<const restful_mapper::TModuleErrorCodeError&>(caught).error(),
+              CoreErrorCodes::kNotFound);
+  }
+}
+
+TModuleErrorCode Fails(int = 0, int = 0) { return CoreErrorCodes::kNotFound; }
 
 TModuleErrorCode CheckCall() {
-  G_CHECK_CALL(Fails());
+  // clang-format off
+  G_CHECK_CALL(Fails(static_cast<int>(1),
+                     2 > 1 ? 3 : 4));
+  // clang-format on
   return 0;
 }
 
@@ -120,7 +139,8 @@ TEST(ErrorChecks, RecordAndLeaveWithTheCode) {
   EXPECT_EQ(CheckNull(nullptr), CoreErrorCodes::kNullPointer);
   ASSERT_EQ(log.Lines().size(), 3U);
   EXPECT_NE(log.Lines()[0].find("File='ErrorCodes_test'"), std::string::npos);
-  EXPECT_NE(log.Lines()[0].find("Expression='Fails()'"), std::string::npos);
+  EXPECT_NE(log.Lines()[0].find("Expression='Fails(static_cast<int>(1), 2 > 1 ? 3 : 4)'"),
+            std::string::npos);
   EXPECT_NE(log.Lines()[1].find("Expression='count < 1'"), std::string::npos);
   EXPECT_NE(log.Lines()[2].find("Expression='(pointer) == nullptr'"), std::string::npos);
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <stdexcept>
 #include <thread>
 
 #include "foundation/ErrorChecks.h"
@@ -29,6 +30,7 @@ class GLoggerTest : public testing::Test {
 TEST_F(GLoggerTest, LineHasTimeIdentifierLevelAndText) {
   mLogger->LogWarning("Some", "%d of %s", 3, "four");
   mLogger->LogInfo("Some", "below the level");
+  mLogger->Log("Some", GLogger::eNone, "never");
   mLogger->LogString("bare %c", 'x');
   ASSERT_EQ(mLog.Lines().size(), 2U);
   EXPECT_EQ(mLog.Lines()[0], "[2026-11-15T18:20:57.123Z]\t[Some]\t[Warning]\t3 of four\n");
@@ -61,15 +63,27 @@ TEST_F(GLoggerTest, LevelsByIdentifierHaveNoCase) {
   EXPECT_EQ(mLogger->GetLoggingLevelForIdentifier("miscellaneous"), GLogger::eDebug);
   EXPECT_EQ(mLogger->GetLoggingLevelForIdentifier("other"), GLogger::eWarning);
   EXPECT_TRUE(mLogger->ShouldLog("MISCELLANEOUS", GLogger::eDebug));
+  // Not found as a prefix, or by a character that only differs in the bit of case.
+  mLogger->SetLoggingLevelForIdentifier("a@", GLogger::eDebug);
+  for (const char* other : {"A`", "a", "a@b", "", "\xC1@"}) {
+    EXPECT_EQ(mLogger->GetLoggingLevelForIdentifier(other), GLogger::eWarning) << other;
+  }
 
   mLogger->SetLoggingLevelForIdentifier("mute", GLogger::eNone);
   EXPECT_FALSE(mLogger->ShouldLog("mute", GLogger::eError));
+  const std::string longOne(100, 'L');
+  mLogger->SetLoggingLevelForIdentifier(longOne, GLogger::eInfo);
+  EXPECT_TRUE(mLogger->ShouldLog(std::string(100, 'l'), GLogger::eInfo));
+  EXPECT_FALSE(mLogger->ShouldLog(longOne + "l", GLogger::eInfo));
   mLogger->SetDefaultLoggingLevel(GLogger::eUnknown);
   EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eError));
   mLogger->SetDefaultLoggingLevel(GLogger::eError);
   EXPECT_TRUE(mLogger->ShouldLog("other", GLogger::eError));
   EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eWarning));
   EXPECT_FALSE(mLogger->ShouldLog("other", GLogger::eNone));
+  mLogger->ResetAllLoggingLevels();
+  EXPECT_FALSE(mLogger->ShouldLog("miscellaneous", GLogger::eInfo));
+  EXPECT_TRUE(mLogger->ShouldLog("Mute", GLogger::eWarning));
 }
 
 TEST_F(GLoggerTest, TextsAroundTheBufferSizeAreWhole) {
@@ -99,12 +113,33 @@ TEST_F(GLoggerTest, AppenderThatLogsIsNotRecursedInto) {
   EXPECT_EQ(mLog.Lines().size(), 2U);
 }
 
+class ThrowingAppender : public GLogAppender {
+ public:
+  void Log(const std::string& line) override {
+    if (line.ends_with("number\n")) throw 1;
+    throw std::runtime_error("full");
+  }
+};
+
+TEST_F(GLoggerTest, AppenderThatThrowsLeavesNothingLocked) {
+  mLogger->SetAppender("a first", new ThrowingAppender);
+  mLogger->LogError("Some", "one");
+  EXPECT_THROW(mLogger->LogError("Some", "number"), int);
+  std::thread([this] { mLogger->LogError("Some", "two"); }).join();
+  mLogger->SetAppender("a first", nullptr);
+  mLogger->LogError("Some", "three");
+  EXPECT_EQ(mLog.Lines().size(), 3U);
+}
+
 TEST_F(GLoggerTest, AppendersAreReplacedAndRemoved) {
   EXPECT_EQ(mLogger->GetAppender("default"), &mLog);
   auto* second = new RecordingAppender;
   mLogger->SetAppender("a second", second);
   mLogger->LogError("Some", "both");
   EXPECT_EQ(second->Lines(), mLog.Lines());
+  mLogger->SetAppender("a second", second);  // the same one again stays
+  mLogger->LogError("Some", "both");
+  EXPECT_EQ(second->Lines().size(), 2U);
   mLogger->SetAppender("a second", nullptr);
   mLogger->SetAppender("a third", nullptr);
   EXPECT_EQ(mLogger->GetAppender("a second"), nullptr);

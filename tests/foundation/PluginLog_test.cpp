@@ -70,6 +70,17 @@ TEST_F(PluginLogTest, LongTextsAreCutAt64KiB) {
   Printed();
 }
 
+TEST_F(PluginLogTest, TracesOnlyInABuildForDiagnosis) {
+  StartLogging();
+  OutputIndentedAndFormattedString(1, "Entering %s", "Here");
+#ifdef AUTOACTIVATION_TRACE
+  EXPECT_EQ(Printed(), "Entering Here\n");
+  EXPECT_EQ(gIndentationLevel, 0);
+#else
+  EXPECT_EQ(Printed(), "");
+#endif
+}
+
 TEST_F(PluginLogTest, SinksMayBeExchangedWhileThreadsLog) {
   StartLogging();
   std::thread writer([] {
