@@ -54,7 +54,9 @@ TEST(GMutex, WaitersGetItOneAfterTheOther) {
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&mutex, &counter, i] {
       for (int turn = 0; turn < 500; ++turn) {
-        const TModuleErrorCode code = i % 2 == 0 ? mutex.Lock() : mutex.TryLockWithTimeout(600'000);
+        // The impatient ones give up now and then.
+        TModuleErrorCode code = i % 2 == 0 ? mutex.Lock() : mutex.TryLockWithTimeout(1);
+        while (code == GLockable::kLockBusyErr) code = mutex.TryLockWithTimeout(1);
         ASSERT_EQ(code, 0U);
         counter += 1;
         ASSERT_EQ(mutex.Unlock(), 0U);
@@ -63,6 +65,23 @@ TEST(GMutex, WaitersGetItOneAfterTheOther) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(counter, 2000);
+}
+
+// The holder takes it again at once, long before a woken waiter has run.
+TEST(GMutex, HolderThatUnlocksAndLocksInACircleStarvesNobody) {
+  GMutex mutex;
+  std::atomic<bool> done{false};
+  std::thread holder([&mutex, &done] {
+    while (!done) {
+      const GScopedLock lock(mutex);
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
+  });
+  for (int turn = 0; turn < 200; ++turn) {
+    EXPECT_EQ(mutex.TryLockWithTimeout(600'000) | mutex.Unlock(), 0U);
+  }
+  done = true;
+  holder.join();
 }
 
 // Busy for its first two tries.
@@ -101,6 +120,60 @@ TEST(GScopedLock, HoldsFromLockToScopeEnd) {
     EXPECT_TRUE(lock.IsLocked());
   }
   EXPECT_EQ(mutex.TryLock(), 0U);
+}
+
+TEST(GScopedLock, HoldsItOnceAndLetsGoOfItsOwnOnly) {
+  GRecursiveMutex mutex;
+  const auto isFree = [&mutex] {
+    return OnAnotherThread([&mutex] { return mutex.TryLock() | mutex.Unlock(); }) == 0;
+  };
+  {
+    GScopedLock lock(mutex);
+    EXPECT_EQ(lock.Lock(), GScopedLock::kFailedToAcquireLock);
+    EXPECT_TRUE(lock.IsLocked());
+  }
+  EXPECT_TRUE(isFree());
+  mutex.Lock();
+  GScopedLock other(mutex, false);
+  EXPECT_EQ(other.Unlock(), GMutex::kMutexDeadlockErr);
+  EXPECT_FALSE(isFree());
+  EXPECT_EQ(mutex.Unlock(), 0U);
+}
+
+// Hands on one try, and tells of its own end.
+class TryOnce : public GLockStrategy {
+ public:
+  explicit TryOnce(bool& gone) : mGone(gone) {}
+  ~TryOnce() override { mGone = true; }
+  TModuleErrorCode Lock(GLockable& lockable) override { return lockable.TryLock(); }
+
+ private:
+  bool& mGone;
+};
+
+TEST(GScopedLock, AsksItsStrategyAndFreesIt) {
+  GMutex mutex;
+  bool gone = false;
+  const TModuleErrorCode codes[] = {0, GLockable::kLockBusyErr};
+  for (const TModuleErrorCode code : codes) {
+    EXPECT_EQ(OnAnotherThread([&] {
+                GScopedLock lock(mutex, false, new TryOnce(gone));
+                return lock.Lock();
+              }),
+              code);
+    EXPECT_TRUE(gone);
+    mutex.TryLock();  // what the first found free is busy to the second
+  }
+  EXPECT_EQ(mutex.Unlock(), 0U);
+}
+
+struct Selfish {
+  Selfish() : itself(GSingleton<Selfish>::GetSharedInstance()) {}
+  Selfish* itself;
+};
+
+TEST(GSingleton, ConstructorThatAsksForItselfGetsNull) {
+  EXPECT_EQ(GSingleton<Selfish>::GetSharedInstance()->itself, nullptr);
 }
 
 struct Counted {
