@@ -35,7 +35,11 @@ TEST(GMutex, RecursiveOneCounts) {
   EXPECT_EQ(mutex.Unlock(), 0U);
   EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLock(); }), GLockable::kLockBusyErr);
   EXPECT_EQ(mutex.Unlock(), 0U);
-  EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLock() | mutex.Unlock(); }), 0U);
+  EXPECT_EQ(OnAnotherThread([&] {
+              const TModuleErrorCode code = mutex.TryLock();
+              return code != 0 ? code : mutex.Unlock();
+            }),
+            0U);
 }
 
 TEST(GMutex, OfAnotherThreadIsBusy) {
@@ -71,14 +75,19 @@ TEST(GMutex, WaitersGetItOneAfterTheOther) {
 TEST(GMutex, HolderThatUnlocksAndLocksInACircleStarvesNobody) {
   GMutex mutex;
   std::atomic<bool> done{false};
-  std::thread holder([&mutex, &done] {
+  std::atomic<bool> holds{false};
+  std::thread holder([&] {
     while (!done) {
       const GScopedLock lock(mutex);
+      holds = true;
       std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
   });
   for (int turn = 0; turn < 200; ++turn) {
-    EXPECT_EQ(mutex.TryLockWithTimeout(600'000) | mutex.Unlock(), 0U);
+    while (!holds) std::this_thread::yield();
+    ASSERT_EQ(mutex.Lock(), 0U);
+    holds = false;
+    ASSERT_EQ(mutex.Unlock(), 0U);
   }
   done = true;
   holder.join();
@@ -122,10 +131,19 @@ TEST(GScopedLock, HoldsFromLockToScopeEnd) {
   EXPECT_EQ(mutex.TryLock(), 0U);
 }
 
+class TryOnce : public GLockStrategy {
+ public:
+  TryOnce() { sAlive += 1; }
+  ~TryOnce() override { sAlive -= 1; }
+  TModuleErrorCode Lock(GLockable& lockable) override { return lockable.TryLock(); }
+  static std::atomic<int> sAlive;
+};
+std::atomic<int> TryOnce::sAlive{0};
+
 TEST(GScopedLock, HoldsItOnceAndLetsGoOfItsOwnOnly) {
   GRecursiveMutex mutex;
   const auto isFree = [&mutex] {
-    return OnAnotherThread([&mutex] { return mutex.TryLock() | mutex.Unlock(); }) == 0;
+    return OnAnotherThread([&mutex] { return GScopedLock(mutex, false, new TryOnce).Lock(); }) == 0;
   };
   {
     GScopedLock lock(mutex);
@@ -140,30 +158,13 @@ TEST(GScopedLock, HoldsItOnceAndLetsGoOfItsOwnOnly) {
   EXPECT_EQ(mutex.Unlock(), 0U);
 }
 
-// Hands on one try, and tells of its own end.
-class TryOnce : public GLockStrategy {
- public:
-  explicit TryOnce(bool& gone) : mGone(gone) {}
-  ~TryOnce() override { mGone = true; }
-  TModuleErrorCode Lock(GLockable& lockable) override { return lockable.TryLock(); }
-
- private:
-  bool& mGone;
-};
-
 TEST(GScopedLock, AsksItsStrategyAndFreesIt) {
   GMutex mutex;
-  bool gone = false;
-  const TModuleErrorCode codes[] = {0, GLockable::kLockBusyErr};
-  for (const TModuleErrorCode code : codes) {
-    EXPECT_EQ(OnAnotherThread([&] {
-                GScopedLock lock(mutex, false, new TryOnce(gone));
-                return lock.Lock();
-              }),
-              code);
-    EXPECT_TRUE(gone);
-    mutex.TryLock();  // what the first found free is busy to the second
-  }
+  const auto tryOnce = [&mutex] { return GScopedLock(mutex, false, new TryOnce).Lock(); };
+  EXPECT_EQ(OnAnotherThread(tryOnce), 0U);
+  ASSERT_EQ(mutex.Lock(), 0U);
+  EXPECT_EQ(OnAnotherThread(tryOnce), GLockable::kLockBusyErr);
+  EXPECT_EQ(TryOnce::sAlive, 0);
   EXPECT_EQ(mutex.Unlock(), 0U);
 }
 
