@@ -163,7 +163,9 @@ std::uint64_t GThread::GetRunOnThisThread() {
   return mRun != 0 && pthread_equal(mHandle, pthread_self()) != 0 ? mRun : 0;
 }
 
-void* GThread::GetCurrentThread() { return reinterpret_cast<void*>(pthread_self()); }
+void* GThread::GetCurrentThread() {
+  return reinterpret_cast<void*>(pthread_self());  // NOLINT(performance-no-int-to-ptr): a handle
+}
 
 bool GThread::AreThreadsEqual(void* a, void* b) {
   return pthread_equal(reinterpret_cast<pthread_t>(a), reinterpret_cast<pthread_t>(b)) != 0;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -80,7 +81,9 @@ TEST(GMutex, HolderThatUnlocksAndLocksInACircleStarvesNobody) {
     while (!done) {
       const GScopedLock lock(mutex);
       holds = true;
-      std::this_thread::sleep_for(std::chrono::microseconds(100));
+      const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(50);
+      while (std::chrono::steady_clock::now() < end) {
+      }
     }
   });
   for (int turn = 0; turn < 200; ++turn) {
