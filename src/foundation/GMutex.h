@@ -1,22 +1,14 @@
-// Locks. A plain GMutex detects self-deadlock and refuses; a GRecursiveMutex counts.
+// Locks of threads. A plain GMutex detects self-deadlock and refuses; a GRecursiveMutex counts.
+//
+// A free mutex goes to whoever comes first. A waiter that was woken and found it taken again is
+// passed over only that once: until it has the mutex, newcomers queue behind it (to them, and to
+// TryLock, the mutex is busy), so that a thread which unlocks and locks in a circle starves nobody.
 #pragma once
 
 #include <pthread.h>
 
-#include "foundation/ErrorCodes.h"
-
-class GLockable {
- public:
-  static constexpr TModuleErrorCode kLockBusyErr = MakeErrorCode(0x00100C, 1);
-
-  virtual ~GLockable() = default;
-  virtual TModuleErrorCode Lock() = 0;
-  // kLockBusyErr if another thread holds the lock.
-  virtual TModuleErrorCode TryLock() = 0;
-  // Tries until the time is used up, then kLockBusyErr.
-  virtual TModuleErrorCode TryLockWithTimeout(unsigned int milliseconds);
-  virtual TModuleErrorCode Unlock() = 0;
-};
+#include "foundation/GLockable.h"
+#include "foundation/GUtils.h"
 
 class GMutex : public GLockable {
  public:
@@ -28,24 +20,32 @@ class GMutex : public GLockable {
   GMutex(const GMutex&) = delete;
   GMutex& operator=(const GMutex&) = delete;
 
-  TModuleErrorCode Lock() override;
-  TModuleErrorCode TryLock() override;
-  TModuleErrorCode TryLockWithTimeout(unsigned int milliseconds) override;
+  // All three: kMutexDeadlockErr, also of TryLock, if this thread holds a plain mutex already.
+  TModuleErrorCode Lock() override { return LockInternal(kWaitForever); }
+  TModuleErrorCode TryLock() override { return LockInternal(0); }
+  // 0 does not wait, 0xFFFFFFFF waits without limit.
+  TModuleErrorCode TryLockWithTimeout(unsigned int milliseconds) override {
+    return LockInternal(milliseconds);
+  }
   // kMutexDeadlockErr, and nothing changes, if the mutex is free or another thread's.
   TModuleErrorCode Unlock() override;
+
+  static constexpr unsigned int kWaitForever = 0xFFFFFFFF;
 
  protected:
   explicit GMutex(bool recursive);
 
  private:
-  // 0 does not wait, 0xFFFFFFFF waits without limit.
   TModuleErrorCode LockInternal(unsigned int milliseconds);
-  // The guard is held.
+  // The guard is held in both. What is left to do where the mutex is not free for the taking.
+  TModuleErrorCode LockSlowly(unsigned int milliseconds);
   TModuleErrorCode WaitUntilFree(unsigned int milliseconds);
 
   pthread_mutex_t mGuard;  // held only for a moment in each operation
   pthread_cond_t mCondition;
   unsigned int mLockCount = 0;
+  unsigned int mWaiters = 0;     // nobody is signalled if there is none
+  unsigned int mPassedOver = 0;  // waiters that were woken in vain
   bool mIsRecursive;
   pthread_t mOwner{};
 };
@@ -54,3 +54,26 @@ class GRecursiveMutex : public GMutex {
  public:
   GRecursiveMutex() : GMutex(true) {}
 };
+
+// Short and inline: most locks are free.
+inline TModuleErrorCode GMutex::LockInternal(unsigned int milliseconds) {
+  const GUtils::Guard guard(mGuard);
+  if (mLockCount != 0 || mPassedOver != 0) [[unlikely]]
+    return LockSlowly(milliseconds);
+  mLockCount = 1;
+  mOwner = pthread_self();
+  return 0;
+}
+
+inline TModuleErrorCode GMutex::Unlock() {
+  const GUtils::Guard guard(mGuard);
+  if (mLockCount == 0 || pthread_equal(mOwner, pthread_self()) == 0) return kMutexDeadlockErr;
+  mLockCount -= 1;
+  if (mLockCount == 0) {
+    mOwner = pthread_t{};
+    // Under the guard: the next owner may destroy the mutex as soon as it has let go of it.
+    if (mWaiters != 0) [[unlikely]]
+      pthread_cond_signal(&mCondition);
+  }
+  return 0;
+}

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -35,7 +36,11 @@ TEST(GMutex, RecursiveOneCounts) {
   EXPECT_EQ(mutex.Unlock(), 0U);
   EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLock(); }), GLockable::kLockBusyErr);
   EXPECT_EQ(mutex.Unlock(), 0U);
-  EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLock() | mutex.Unlock(); }), 0U);
+  EXPECT_EQ(OnAnotherThread([&] {
+              const TModuleErrorCode code = mutex.TryLock();
+              return code != 0 ? code : mutex.Unlock();
+            }),
+            0U);
 }
 
 TEST(GMutex, OfAnotherThreadIsBusy) {
@@ -54,7 +59,9 @@ TEST(GMutex, WaitersGetItOneAfterTheOther) {
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&mutex, &counter, i] {
       for (int turn = 0; turn < 500; ++turn) {
-        const TModuleErrorCode code = i % 2 == 0 ? mutex.Lock() : mutex.TryLockWithTimeout(600'000);
+        // The impatient ones give up now and then.
+        TModuleErrorCode code = i % 2 == 0 ? mutex.Lock() : mutex.TryLockWithTimeout(1);
+        while (code == GLockable::kLockBusyErr) code = mutex.TryLockWithTimeout(1);
         ASSERT_EQ(code, 0U);
         counter += 1;
         ASSERT_EQ(mutex.Unlock(), 0U);
@@ -63,6 +70,30 @@ TEST(GMutex, WaitersGetItOneAfterTheOther) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(counter, 2000);
+}
+
+// The holder takes it again at once, long before a woken waiter has run.
+TEST(GMutex, HolderThatUnlocksAndLocksInACircleStarvesNobody) {
+  GMutex mutex;
+  std::atomic<bool> done{false};
+  std::atomic<bool> holds{false};
+  std::thread holder([&] {
+    while (!done) {
+      const GScopedLock lock(mutex);
+      holds = true;
+      const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(50);
+      while (std::chrono::steady_clock::now() < end) {
+      }
+    }
+  });
+  for (int turn = 0; turn < 200; ++turn) {
+    while (!holds) std::this_thread::yield();
+    ASSERT_EQ(mutex.Lock(), 0U);
+    holds = false;
+    ASSERT_EQ(mutex.Unlock(), 0U);
+  }
+  done = true;
+  holder.join();
 }
 
 // Busy for its first two tries.
@@ -101,6 +132,52 @@ TEST(GScopedLock, HoldsFromLockToScopeEnd) {
     EXPECT_TRUE(lock.IsLocked());
   }
   EXPECT_EQ(mutex.TryLock(), 0U);
+}
+
+class TryOnce : public GLockStrategy {
+ public:
+  TryOnce() { sAlive += 1; }
+  ~TryOnce() override { sAlive -= 1; }
+  TModuleErrorCode Lock(GLockable& lockable) override { return lockable.TryLock(); }
+  static std::atomic<int> sAlive;
+};
+std::atomic<int> TryOnce::sAlive{0};
+
+TEST(GScopedLock, HoldsItOnceAndLetsGoOfItsOwnOnly) {
+  GRecursiveMutex mutex;
+  const auto isFree = [&mutex] {
+    return OnAnotherThread([&mutex] { return GScopedLock(mutex, false, new TryOnce).Lock(); }) == 0;
+  };
+  {
+    GScopedLock lock(mutex);
+    EXPECT_EQ(lock.Lock(), GScopedLock::kFailedToAcquireLock);
+    EXPECT_TRUE(lock.IsLocked());
+  }
+  EXPECT_TRUE(isFree());
+  mutex.Lock();
+  GScopedLock other(mutex, false);
+  EXPECT_EQ(other.Unlock(), GMutex::kMutexDeadlockErr);
+  EXPECT_FALSE(isFree());
+  EXPECT_EQ(mutex.Unlock(), 0U);
+}
+
+TEST(GScopedLock, AsksItsStrategyAndFreesIt) {
+  GMutex mutex;
+  const auto tryOnce = [&mutex] { return GScopedLock(mutex, false, new TryOnce).Lock(); };
+  EXPECT_EQ(OnAnotherThread(tryOnce), 0U);
+  ASSERT_EQ(mutex.Lock(), 0U);
+  EXPECT_EQ(OnAnotherThread(tryOnce), GLockable::kLockBusyErr);
+  EXPECT_EQ(TryOnce::sAlive, 0);
+  EXPECT_EQ(mutex.Unlock(), 0U);
+}
+
+struct Selfish {
+  Selfish() : itself(GSingleton<Selfish>::GetSharedInstance()) {}
+  Selfish* itself;
+};
+
+TEST(GSingleton, ConstructorThatAsksForItselfGetsNull) {
+  EXPECT_EQ(GSingleton<Selfish>::GetSharedInstance()->itself, nullptr);
 }
 
 struct Counted {
