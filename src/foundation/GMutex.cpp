@@ -30,7 +30,7 @@ GMutex::~GMutex() {
 }
 
 TModuleErrorCode GMutex::LockSlowly(unsigned int milliseconds) {
-  if (mLockCount != 0 && pthread_equal(mOwner, pthread_self()) != 0) {
+  if (pthread_equal(mOwner, pthread_self()) != 0) {
     if (!mIsRecursive) return kMutexDeadlockErr;
     mLockCount += 1;
     return 0;
@@ -42,25 +42,17 @@ TModuleErrorCode GMutex::LockSlowly(unsigned int milliseconds) {
   return 0;
 }
 
-// While the mutex is free and somebody waits, a signal is under way or a woken waiter is about to
-// take it: whoever leaves here without a code takes it, and whoever leaves with one left it locked.
 TModuleErrorCode GMutex::WaitUntilFree(unsigned int milliseconds) {
   const bool forever = milliseconds == kWaitForever;
   const timespec deadline =
       forever ? timespec{} : GUtils::FutureMillisecondsToAbsTime(milliseconds);
-  bool passedOver = false;
   int error = 0;
   mWaiters += 1;
-  do {
+  while (mLockCount != 0 && error == 0) {
     error = forever ? pthread_cond_wait(&mCondition, &mGuard)
                     : pthread_cond_timedwait(&mCondition, &mGuard, &deadline);
-    if (mLockCount != 0 && error == 0 && !passedOver) {
-      passedOver = true;
-      mPassedOver += 1;
-    }
-  } while (mLockCount != 0 && error == 0);
+  }
   mWaiters -= 1;
-  if (passedOver) mPassedOver -= 1;
   // A wait that ran out just as the mutex became free has it.
   return mLockCount == 0 ? 0 : CodeOfFailedWait(error);
 }

@@ -1,8 +1,4 @@
 // Locks of threads. A plain GMutex detects self-deadlock and refuses; a GRecursiveMutex counts.
-//
-// A free mutex goes to whoever comes first. A waiter that was woken and found it taken again is
-// passed over only that once: until it has the mutex, newcomers queue behind it (to them, and to
-// TryLock, the mutex is busy), so that a thread which unlocks and locks in a circle starves nobody.
 #pragma once
 
 #include <pthread.h>
@@ -37,15 +33,14 @@ class GMutex : public GLockable {
 
  private:
   TModuleErrorCode LockInternal(unsigned int milliseconds);
-  // The guard is held in both. What is left to do where the mutex is not free for the taking.
+  // The guard is held in both, and so is the mutex.
   TModuleErrorCode LockSlowly(unsigned int milliseconds);
   TModuleErrorCode WaitUntilFree(unsigned int milliseconds);
 
   pthread_mutex_t mGuard;  // held only for a moment in each operation
   pthread_cond_t mCondition;
   unsigned int mLockCount = 0;
-  unsigned int mWaiters = 0;     // nobody is signalled if there is none
-  unsigned int mPassedOver = 0;  // waiters that were woken in vain
+  unsigned int mWaiters = 0;  // nobody is signalled if there is none
   bool mIsRecursive;
   pthread_t mOwner{};
 };
@@ -58,7 +53,7 @@ class GRecursiveMutex : public GMutex {
 // Short and inline: most locks are free.
 inline TModuleErrorCode GMutex::LockInternal(unsigned int milliseconds) {
   const GUtils::Guard guard(mGuard);
-  if (mLockCount != 0 || mPassedOver != 0) [[unlikely]]
+  if (mLockCount != 0) [[unlikely]]
     return LockSlowly(milliseconds);
   mLockCount = 1;
   mOwner = pthread_self();

@@ -11,6 +11,7 @@
 
 #include "foundation/GString.h"
 #include "foundation/WallClock.h"
+#include "foundation/iconv_string.h"
 
 namespace {
 
