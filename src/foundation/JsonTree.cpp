@@ -17,6 +17,7 @@ namespace {
 
 template <typename T>
 bool Resize(T*& slots, std::size_t count) {
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): the slots are pointers
   void* moved = std::realloc(static_cast<void*>(slots), count * sizeof(T));
   if (moved == nullptr) return false;
   slots = static_cast<T*>(moved);
@@ -87,6 +88,7 @@ OwnedTree NewNumber(std::string_view text, long long integer, double real, unsig
 OwnedTree CopyArray(const yajl_val_s& value, std::size_t depth) {
   OwnedTree copy = NewArray();
   for (std::size_t i = 0; copy != nullptr && i < value.u.array.len; ++i) {
+    // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the tree frees it, by yajl
     if (!AppendToArray(copy.get(), CopyTree(value.u.array.values[i], depth))) copy.reset();
   }
   return copy;
@@ -152,6 +154,7 @@ OwnedTree CopyTree(const yajl_val_s* value, std::size_t depth) {
   if (value == nullptr) return NewNull();
   switch (value->type) {
     case yajl_t_string:
+      // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the tree frees it, by yajl
       return NewString(value->u.string);
     case yajl_t_number: {
       const auto& number = value->u.number;
