@@ -56,6 +56,12 @@ bool IsSharedByRoot(const struct stat& status) {
   return S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0 && status.st_uid == 0;
 }
 
+// Most paths come expanded. A name that begins with "." is looked at more closely.
+bool MayNeedExpansion(const std::string& path) {
+  return path.ends_with('/') || path.find("//") != std::string::npos ||
+         path.find("/.") != std::string::npos;
+}
+
 TModuleErrorCode CreateOneDirectory(const std::string& path) {
   if (mkdir(path.c_str(), kFolderMode) == 0) return 0;
   const int error = errno;
@@ -96,7 +102,7 @@ std::string GFileSystem::OSExpandPath(const std::string& path) {
     const std::string home = OSGetUsersRootDirectory().GetPath();
     if (!home.empty()) whole = home + path.substr(1);
   }
-  if (!whole.starts_with('/')) return whole;
+  if (!whole.starts_with('/') || !MayNeedExpansion(whole)) return whole;
   std::string expanded;
   for (std::size_t start = 1; start < whole.size();) {
     const std::size_t end = std::min(whole.find('/', start), whole.size());
