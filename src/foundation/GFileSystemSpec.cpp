@@ -40,7 +40,7 @@ void GFileSystemSpec::RemoveLastPathComponent() {
 }
 
 void GFileSystemSpec::AppendPathComponent(const std::string& component) {
-  *this = GFileSystemSpec(mPath + "/" + component);
+  if (!IsEmpty()) *this = GFileSystemSpec(mPath + "/" + component);
 }
 
 std::string GFileSystemSpec::GetPathExtension() const {

@@ -25,10 +25,21 @@ TEST(GConfigurationFile, LinesAndComments) {
   EXPECT_EQ(Parse(""), Pairs{});
 }
 
+TEST(GConfigurationFile, AnyBytesAndAnyLength) {
+  RecordingAppender::Install();
+  using namespace std::string_literals;
+  EXPECT_EQ(Parse("a\0b=c\0d\r\xFF=\xFE"s), (Pairs{{"a\0b"s, "c\0d"s}, {"\xFF", "\xFE"}}));
+  EXPECT_EQ(Parse("\0=\0"s), (Pairs{{"\0"s, "\0"s}}));
+  EXPECT_EQ(Parse("a=1\n\r\n\rb=2"), (Pairs{{"a", "1"}, {"b", "2"}}));
+  const std::string value(std::size_t{64} << 20, 'v');
+  EXPECT_EQ(Parse("a=" + value + "\nb=2"), (Pairs{{"a", value}, {"b", "2"}}));
+}
+
 TEST(GConfigurationFile, IllegalLinesAreToldAndSkipped) {
   RecordingAppender& log = RecordingAppender::Install();
   EXPECT_EQ(Parse("=value\njust text\n # =\nrest=1"), (Pairs{{"rest", "1"}}));
   ASSERT_EQ(log.Lines().size(), 2U);
+  EXPECT_NE(log.Lines()[0].find("[Warning]"), std::string::npos);
   EXPECT_NE(log.Lines()[0].find("\tIgnoring illegal line in configuration:\n=value\n"),
             std::string::npos);
   EXPECT_NE(log.Lines()[1].find("\tIgnoring illegal line in configuration:\njust text\n"),

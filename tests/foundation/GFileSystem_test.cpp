@@ -38,6 +38,22 @@ TEST_F(GFileSystemTest, PathsAreExpandedByText) {
   }
 }
 
+TEST_F(GFileSystemTest, NamesHave255BytesAtMost) {
+  const GFileSystemSpec longest(mHome.Path() + "/" + std::string(255, 'n'));
+  const GFileSystemSpec tooLong(mHome.Path() + "/" + std::string(256, 'n'));
+  const GFileSystemSpec file(mHome.WriteFile("file", "text"));
+  EXPECT_EQ(GFileSystem::OSCreateDirectory(longest, false), 0U);
+  EXPECT_EQ(GFileSystem::OSDeleteDirectory(longest, false), 0U);
+  EXPECT_EQ(GFileSystem::OSCopyFile(file, longest), 0U);
+  EXPECT_EQ(GFileSystem::OSDeleteFile(longest), 0U);
+  EXPECT_EQ(GFileSystem::OSCreateDirectory(tooLong, false), GFileSystem::kInvalidPath);
+  EXPECT_EQ(GFileSystem::OSCopyFile(file, tooLong), GFileSystem::kInvalidPath);
+  EXPECT_EQ(GFileSystem::OSMoveFile(file, tooLong), GFileSystem::kInvalidPath);
+  EXPECT_EQ(GFileSystem::OSDeleteFile(tooLong), GFileSystem::kInvalidPath);
+  EXPECT_EQ(GFileSystem::OSDeleteDirectory(tooLong, true), GFileSystem::kInvalidPath);
+  EXPECT_TRUE(GFileSystem::OSDoesFileExist(file));
+}
+
 TEST_F(GFileSystemTest, OnlyFullPathsMakeASpec) {
   EXPECT_TRUE(GFileSystemSpec("").IsEmpty());
   EXPECT_TRUE(mLog.Lines().empty());
@@ -60,9 +76,13 @@ TEST_F(GFileSystemTest, PartsOfASpec) {
   EXPECT_EQ(spec.GetPath(), "/a.b/d");
   EXPECT_EQ(spec.GetPathExtension(), "");
   EXPECT_EQ(GFileSystemSpec("/a/.profile").GetPathExtension(), "profile");
-  spec.RemoveLastPathComponent();
-  spec.RemoveLastPathComponent();
-  spec.RemoveLastPathComponent();
+  GFileSystemSpec hidden("/a/.profile");
+  hidden.RemovePathExtension();
+  EXPECT_EQ(hidden, "/a/.profile");
+  GFileSystemSpec empty;
+  empty.AppendPathComponent("x");
+  EXPECT_TRUE(empty.IsEmpty());
+  for (int i = 0; i < 3; ++i) spec.RemoveLastPathComponent();
   EXPECT_EQ(spec.GetPath(), "/");
   EXPECT_EQ(spec.GetLastPathComponent(), "");
 }
@@ -99,6 +119,7 @@ TEST_F(GFileSystemTest, MakesAndFindsFoldersAndFiles) {
   unsigned long long size = 0;
   EXPECT_EQ(GFileSystem::OSGetFileSize(file, size), 0U);
   EXPECT_EQ(size, 5U);
+  EXPECT_EQ(GFileSystem::OSDeleteFile(deep), GFileSystem::kFileNotFound);
   EXPECT_EQ(GFileSystem::OSDeleteFile(file), 0U);
   EXPECT_EQ(GFileSystem::OSDeleteFile(file), GFileSystem::kFileNotFound);
   EXPECT_EQ(GFileSystem::OSGetFileSize(file, size), GFileSystem::kFileNotFound);
@@ -118,6 +139,72 @@ TEST_F(GFileSystemTest, UserFoldersFollowTheVariables) {
   EXPECT_EQ(GFileSystem::OSGetTempDirectory(), GFileSystemSpec(home));
   unsetenv("TMPDIR");
   EXPECT_EQ(GFileSystem::OSGetTempDirectory(), "/tmp");
+}
+
+TEST_F(GFileSystemTest, FoldersOfTheUser) {
+  const std::string home = mHome.Path();
+  const auto desktop = [] { return GFileSystem::OSGetDesktopDirectory().GetPath(); };
+  EXPECT_EQ(desktop(), home + "/Desktop");
+  EXPECT_EQ(GFileSystem::OSGetDocumentsDirectory(), home + "/Documents");
+  EXPECT_TRUE(mLog.Lines().empty());
+  const std::pair<std::string, std::string> rows[] = {
+      {"# XDG_DESKTOP_DIR=\"/no\"\nXDG_DESKTOP_DIR=\"$HOME/Bureau\"\n", home + "/Bureau"},
+      {" XDG_DESKTOP_DIR = \"/a \\\"b\\\"\" # c\r\n", "/a \"b\""},
+      {"XDG_DESKTOP_DIR=\"/first\"\nXDG_DESKTOP_DIR=\"/last\"", "/last"},
+      {"XDG_DESKTOP_DIR=\"$HOME/\"", home},
+      {"XDG_DESKTOP_DIR=\"$HOMELESS\"\nXDG_DESKTOP_DIR=relative\n", home + "/Desktop"},
+      {"XDG_DESKTOP_DIR=\"/a\"\n" + std::string(1 << 17, '#'), home + "/Desktop"},
+      {"XDG_DESKTOP_DIR=\"/a\\", "/a\\"},
+  };
+  for (const auto& [text, folder] : rows) {
+    mHome.WriteFile(".config/user-dirs.dirs", text);
+    EXPECT_EQ(desktop(), folder) << text.substr(0, 80);
+  }
+  EXPECT_EQ(GFileSystem::OSGetUsersAppSupportDirectory(), home + "/.local/share");
+  EXPECT_EQ(GFileSystem::OSGetSharedUserDirectory(), home + "/usr/share");
+  setenv("XDG_DATA_DIRS", "relative::/opt/share:/b", 1);
+  EXPECT_EQ(GFileSystem::OSGetSharedUserDirectory(), "/opt/share");
+  unsetenv("XDG_DATA_DIRS");
+  EXPECT_EQ(GFileSystem::OSGetSharedUserDirectory(), "/usr/local/share");
+  EXPECT_EQ(GFileSystem::OSGetPathSeparator(), "/");
+}
+
+TEST_F(GFileSystemTest, AttributesOfFiles) {
+  const GFileSystemSpec file(mHome.WriteFile("file", "text"));
+  const GFileSystemSpec folder(mHome.MakeFolder("folder"));
+  const GFileSystemSpec missing(mHome.Path() + "/missing");
+  const auto readable = [](const GFileSystemSpec& spec) {
+    return GFileSystem::OSMakeFileReadable(spec, true);
+  };
+  const auto unreadable = [](const GFileSystemSpec& spec) {
+    return GFileSystem::OSMakeFileReadable(spec, false);
+  };
+  const struct {
+    TModuleErrorCode (*change)(const GFileSystemSpec&);
+    mode_t before;
+    mode_t after;
+  } rows[] = {
+      {&GFileSystem::OSMakeFileWritable, 0444, 0644},
+      {&GFileSystem::OSMakeFileWorldWritable, 0755, 0777},
+      {&GFileSystem::OSMakeFileReadOnly, 0777, 0555},
+      {readable, 0200, 0600},
+      {unreadable, 0644, 0200},
+  };
+  for (const auto& [change, before, after] : rows) {
+    struct stat status {};
+    ASSERT_EQ(chmod(file.GetPath().c_str(), before), 0);
+    EXPECT_EQ(change(file), 0U);
+    ASSERT_EQ(stat(file.GetPath().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, after);
+    EXPECT_EQ(change(folder), GFileSystem::kFileNotFound);
+    EXPECT_EQ(change(missing), GFileSystem::kFileNotFound);
+  }
+  unsigned long long size = 0;
+  EXPECT_EQ(GFileSystem::OSGetFileSizeWithoutResourceFork(file, size), 0U);
+  EXPECT_EQ(size, 4U);
+  EXPECT_FALSE(GFileSystem::OSHasResourceFork(file));
+  EXPECT_EQ(GFileSystem::OSGetFileSizeWithoutResourceFork(folder, size),
+            GFileSystem::kFileNotFound);
 }
 
 TEST_F(GFileSystemTest, TrustEndsWhereOthersMayWrite) {

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -14,6 +15,7 @@
 
 #include "foundation/ErrorChecks.h"
 #include "foundation/GStringUtils.h"
+#include "foundation/linux/SystemErrors.h"
 
 namespace {
 
@@ -24,24 +26,6 @@ using FreeText = std::unique_ptr<char, decltype(&std::free)>;
 
 bool GetStatus(const std::string& path, struct stat& status) {
   return stat(path.c_str(), &status) == 0;
-}
-
-TModuleErrorCode CodeOfError(int error, TModuleErrorCode codeOfMissing) {
-  switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-      return codeOfMissing;
-    case EEXIST:
-      return GFileSystem::kFileOrDirectoryAlreadyExists;
-    case ENOSPC:
-    case EDQUOT:
-      return GFileSystem::kDiskFull;
-    case EINVAL:
-    case ENAMETOOLONG:
-      return GFileSystem::kInvalidPath;
-    default:
-      return CoreErrorCodes::kError;
-  }
 }
 
 // A group of the user's own name that has no other member: with it, folders are made writable for
@@ -72,12 +56,18 @@ bool IsSharedByRoot(const struct stat& status) {
   return S_ISDIR(status.st_mode) && (status.st_mode & S_ISVTX) != 0 && status.st_uid == 0;
 }
 
+// Most paths come expanded. A name that begins with "." is looked at more closely.
+bool MayNeedExpansion(const std::string& path) {
+  return path.ends_with('/') || path.find("//") != std::string::npos ||
+         path.find("/.") != std::string::npos;
+}
+
 TModuleErrorCode CreateOneDirectory(const std::string& path) {
   if (mkdir(path.c_str(), kFolderMode) == 0) return 0;
   const int error = errno;
   struct stat status {};
   if (error == EEXIST && GetStatus(path, status) && S_ISDIR(status.st_mode)) return 0;
-  const TModuleErrorCode code = CodeOfError(error, GFileSystem::kDirectoryNotFound);
+  const TModuleErrorCode code = CodeOfSystemError(error, GFileSystem::kDirectoryNotFound);
   WriteErrorRecord(1, __FILE__, __LINE__, "mkdir(path.c_str(), kFolderMode) != 0", code);
   return code;
 }
@@ -104,23 +94,27 @@ bool GFileSystem::OSIsValidFullPath(const std::string& path) {
   return path.starts_with('/') && path.find('\0') == std::string::npos;
 }
 
+std::string GFileSystem::OSGetPathSeparator() { return "/"; }
+
 std::string GFileSystem::OSExpandPath(const std::string& path) {
   std::string whole = path;
   if (path == "~" || path.starts_with("~/")) {
-    whole = OSGetUsersRootDirectory().GetPath() + path.substr(1);
+    const std::string home = OSGetUsersRootDirectory().GetPath();
+    if (!home.empty()) whole = home + path.substr(1);
   }
-  if (!whole.starts_with('/')) return whole;
-  std::vector<std::string> kept;
-  for (std::string& component : GStringUtils::OSTokenizeString(whole, "/")) {
-    if (component == ".") continue;
+  if (!whole.starts_with('/') || !MayNeedExpansion(whole)) return whole;
+  std::string expanded;
+  for (std::size_t start = 1; start < whole.size();) {
+    const std::size_t end = std::min(whole.find('/', start), whole.size());
+    const std::string_view component = std::string_view(whole).substr(start, end - start);
+    start = end + 1;
+    if (component.empty() || component == ".") continue;
     if (component != "..") {
-      kept.push_back(std::move(component));
-    } else if (!kept.empty()) {
-      kept.pop_back();
+      expanded.append("/").append(component);
+    } else if (!expanded.empty()) {
+      expanded.resize(expanded.rfind('/'));
     }
   }
-  std::string expanded;
-  for (const std::string& component : kept) expanded.append("/").append(component);
   return expanded.empty() ? "/" : expanded;
 }
 
@@ -138,17 +132,26 @@ TModuleErrorCode GFileSystem::OSCreateDirectory(const GFileSystemSpec& spec, boo
 }
 
 TModuleErrorCode GFileSystem::OSDeleteFile(const GFileSystemSpec& spec) {
-  G_CHECK_CONDITION(unlink(spec.GetPath().c_str()) != 0, CodeOfError(errno, kFileNotFound));
+  // A folder is no file.
+  G_CHECK_CONDITION(unlink(spec.GetPath().c_str()) != 0,
+                    CodeOfSystemError(errno == EISDIR ? ENOENT : errno, kFileNotFound));
   return 0;
 }
 
 TModuleErrorCode GFileSystem::OSGetFileSize(const GFileSystemSpec& spec, unsigned long long& size) {
+  return OSGetFileSizeWithoutResourceFork(spec, size);
+}
+
+TModuleErrorCode GFileSystem::OSGetFileSizeWithoutResourceFork(const GFileSystemSpec& spec,
+                                                               unsigned long long& size) {
   struct stat status {};
-  G_CHECK_CONDITION(!GetStatus(spec.GetPath(), status), CodeOfError(errno, kFileNotFound));
+  G_CHECK_CONDITION(!GetStatus(spec.GetPath(), status), CodeOfSystemError(errno, kFileNotFound));
   G_CHECK_CONDITION(S_ISDIR(status.st_mode), kFileNotFound);
   size = static_cast<unsigned long long>(status.st_size);
   return 0;
 }
+
+bool GFileSystem::OSHasResourceFork(const GFileSystemSpec&) { return false; }
 
 bool GFileSystem::OSIsTrustedLocation(const GFileSystemSpec& spec) {
   const FreeText real(realpath(spec.GetPath().c_str(), nullptr), &std::free);

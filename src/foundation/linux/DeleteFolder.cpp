@@ -1,0 +1,79 @@
+#include "foundation/linux/DeleteFolder.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "foundation/ErrorChecks.h"
+#include "foundation/GFileSystem.h"
+#include "foundation/linux/FolderWalk.h"
+#include "foundation/linux/Place.h"
+#include "foundation/linux/SystemErrors.h"
+
+namespace {
+
+constexpr mode_t kOwnerMayAll = 0700;
+
+TModuleErrorCode CodeOfDelete(int error) {
+  return CodeOfSystemError(error, GFileSystem::kDirectoryNotFound);
+}
+
+// What somebody else deleted meanwhile is gone as well.
+TModuleErrorCode DeleteIn(int folder, const std::string& name, int flags) {
+  const bool isGone = unlinkat(folder, name.c_str(), flags) == 0 || errno == ENOENT;
+  G_CHECK_CONDITION(!isGone, CodeOfDelete(errno));
+  return 0;
+}
+
+void LetOwnerChange(int folder, const std::string& name) {
+  fchmodat(folder, name.c_str(), kOwnerMayAll, AT_SYMLINK_NOFOLLOW);
+}
+
+TModuleErrorCode DeleteEntry(FolderWalk& walk, bool force) {
+  const FolderEntry entry = walk.Entry();
+  if (entry.type != DT_DIR) return DeleteIn(walk.Folder(), entry.name, 0);
+  if (force) LetOwnerChange(walk.Folder(), entry.name);
+  if (walk.Enter()) return 0;
+  // A link or file took its place, or it can't be read: then it goes only if it is empty.
+  const bool isFolder = errno != ENOTDIR && errno != ELOOP;
+  return DeleteIn(walk.Folder(), entry.name, isFolder ? AT_REMOVEDIR : 0);
+}
+
+TModuleErrorCode DeleteContents(FileDescriptor folder, bool force) {
+  FolderWalk walk(std::move(folder));
+  for (;;) {
+    const FolderWalk::EStep step = walk.Next();
+    TModuleErrorCode code = 0;
+    if (step == FolderWalk::EStep::eEnd) return 0;
+    G_CHECK_CONDITION(step == FolderWalk::EStep::eFailed, CodeOfDelete(errno));
+    if (step == FolderWalk::EStep::eEntry) code = DeleteEntry(walk, force);
+    if (step == FolderWalk::EStep::eLeft) {
+      code = DeleteIn(walk.Folder(), walk.Entry().name, AT_REMOVEDIR);
+    }
+    if (code != 0) return code;
+  }
+}
+
+}  // namespace
+
+TModuleErrorCode DeleteTree(int parent, const std::string& name, bool force) {
+  if (force) LetOwnerChange(parent, name);
+  FileDescriptor folder;
+  // ELOOP and ENOTDIR: a link.
+  G_CHECK_CONDITION(!OpenFolderIn(parent, name, folder),
+                    CodeOfDelete(errno == ELOOP ? ENOTDIR : errno));
+  if (const TModuleErrorCode code = DeleteContents(std::move(folder), force)) return code;
+  return DeleteIn(parent, name, AT_REMOVEDIR);
+}
+
+TModuleErrorCode GFileSystem::OSDeleteDirectory(const GFileSystemSpec& spec, bool recursive) {
+  Place place;
+  G_CHECK_CALL(OpenPlace(spec, kDirectoryNotFound, place));
+  if (recursive) return DeleteTree(place.folder.Get(), place.name, false);
+  G_CHECK_CONDITION(unlinkat(place.folder.Get(), place.name.c_str(), AT_REMOVEDIR) != 0,
+                    CodeOfDelete(errno == EEXIST ? ENOTEMPTY : errno));
+  return 0;
+}

@@ -1,0 +1,11 @@
+// Deleting what is below a folder, on behalf of several operations.
+#pragma once
+
+#include <string>
+
+#include "foundation/ErrorCodes.h"
+
+// The folder `name` in `parent` with all that is in it, up to the first entry that can't be
+// deleted. Failures are recorded. `force` first lets the folders of our own unfinished copy be
+// changed.
+TModuleErrorCode DeleteTree(int parent, const std::string& name, bool force);

@@ -1,0 +1,35 @@
+// Copying, on behalf of copies and of moves to another file system. Failures are recorded; a stop
+// is none, it is CoreErrorCodes::kStopped.
+#pragma once
+
+#include <string>
+
+#include "foundation/ErrorCodes.h"
+#include "foundation/linux/FileDescriptor.h"
+#include "foundation/linux/Place.h"
+
+class GStopCallback;
+
+struct CopyOptions {
+  GStopCallback* stop = nullptr;  // may be null
+  bool waitsForDisk = false;      // the copy is on the disk when it's done
+};
+
+bool IsStopped(const CopyOptions& options);
+
+// Opens what is to be copied for reading, without waiting. `flags` may add O_NOFOLLOW.
+TModuleErrorCode OpenCopySource(int folder, const std::string& name, int flags,
+                                FileDescriptor& outFile);
+// All bytes and the permission bits.
+TModuleErrorCode CopyOpenFile(int from, int to, const CopyOptions& options);
+// False with errno set.
+bool ReadLink(int folder, const std::string& name, std::string& outTarget);
+
+// To a free place; whole or not at all.
+TModuleErrorCode CopyFileTo(int from, const Place& to, const CopyOptions& options);
+TModuleErrorCode CopyLinkTo(const Place& from, const Place& to, const CopyOptions& options);
+TModuleErrorCode CopyFolderTo(FileDescriptor from, const Place& to, const CopyOptions& options);
+
+// What was published, or deleted, in the place's folder is on the disk then, as far as it can be
+// told.
+void WaitForDisk(const Place& place);
