@@ -1,16 +1,10 @@
 #include "documents/ByteSource.h"
 
-#include <filesystem>
-
 #include "foundation/GFileSystemSpec.h"
 
 bool FileByteSource::Open(const std::string& path) {
   const GFileSystemSpec spec(path);
   if (spec.IsEmpty()) return false;
-  // Opening a FIFO would wait for its other end.
-  std::error_code ignored;
-  const auto status = std::filesystem::status(spec.GetPath(), ignored);
-  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) return false;
   if (mFile.Open(spec, GFile::eRead | GFile::eBinary) != CoreErrorCodes::kSuccess) return false;
   unsigned long long size = 0;
   if (mFile.GetFileSize(size) != CoreErrorCodes::kSuccess) return false;

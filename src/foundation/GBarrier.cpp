@@ -3,11 +3,10 @@
 #include "foundation/GUtils.h"
 
 GBarrier::GBarrier(unsigned int threadCount) {
-  if (threadCount == 0) GUtils::FailAssertion("threadCount != 0");
+  GUtils::Assert(threadCount != 0, "threadCount != 0");
   // What else the system refuses is a count beyond its limit.
-  if (pthread_barrier_init(&mBarrier, nullptr, threadCount) != 0) {
-    GUtils::FailAssertion("pthread_barrier_init(&mBarrier, nullptr, threadCount) == 0");
-  }
+  const int error = pthread_barrier_init(&mBarrier, nullptr, threadCount);
+  GUtils::Assert(error == 0, "pthread_barrier_init(&mBarrier, nullptr, threadCount) == 0");
 }
 
 GBarrier::~GBarrier() { pthread_barrier_destroy(&mBarrier); }

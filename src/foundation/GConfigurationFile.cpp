@@ -16,7 +16,7 @@ bool ParseLine(const std::string& line, std::map<std::string, std::string>& valu
   if (delimiter == std::string::npos) return false;
   const std::string_view text = line;
   const std::string key =
-      GStringUtils::AsciiToLowerCase(GStringUtils::StripWhitespace(text.substr(0, delimiter)));
+      GStringUtils::OSToLowerCase(GStringUtils::StripWhitespace(text.substr(0, delimiter)));
   if (key.empty()) return false;
   const std::string value = GStringUtils::StripWhitespace(text.substr(delimiter + 1));
   GLogger::GetSharedInstance()->LogInfo(kLogIdentifier, "Configuration key = %s, value = %s",

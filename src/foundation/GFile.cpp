@@ -117,7 +117,8 @@ TModuleErrorCode GFile::SetFilePosition(EPosition origin, unsigned long long off
   G_CHECK_OPEN();
   const int whence = OriginForSeek(origin);
   G_CHECK_CONDITION(whence == kUnknownOrigin, CoreErrorCodes::kInvalidParam);
-  G_CHECK_CONDITION(offset > kLargestPosition, CoreErrorCodes::kInvalidParam);
+  G_CHECK_CONDITION(origin == eFromStart && offset > kLargestPosition,
+                    CoreErrorCodes::kInvalidParam);
   // Seeking writes what is still in the buffer.
   G_CHECK_CONDITION(0 != fseek(mpFile, static_cast<long>(offset), whence),
                     errno == EINVAL || errno == EOVERFLOW ? CoreErrorCodes::kInvalidParam

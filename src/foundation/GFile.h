@@ -50,7 +50,8 @@ class GFile {
   [[nodiscard]] TModuleErrorCode GetFileSize(unsigned long long& size);
   // Cuts, or fills with zeros. The position stays.
   [[nodiscard]] TModuleErrorCode SetFileSize(const unsigned long long& size);
-  // `offset` counts forwards from the origin. CoreErrorCodes::kInvalidParam for an unknown origin.
+  // From the present position and from the end a negative offset, as it converts, counts backwards.
+  // CoreErrorCodes::kInvalidParam for an unknown origin and for a place before the start.
   [[nodiscard]] TModuleErrorCode SetFilePosition(EPosition origin, unsigned long long offset);
   [[nodiscard]] TModuleErrorCode GetFilePosition(unsigned long long& position);
 

@@ -3,8 +3,7 @@
 // Every failure is recorded where it is met. An empty spec leads nowhere. Unless an operation says
 // otherwise, links on the way and at the end of a path are followed, and the codes are:
 // - kFileNotFound, kDirectoryNotFound: nothing there, or something of the other kind;
-// - kInvalidPath: a name of more than 255 bytes, a path of more than 4,095, links in a circle, or
-// "/"
+// - kInvalidPath: a name of more than 255 bytes, a path of more than 4,095, links in a circle; "/"
 //   and an empty spec where something is to be made, moved or deleted;
 // - kDiskFull: no room on the disk, in the user's quota or in a file of the largest size;
 // - kFileIsLocked: busy, such as a mount point or a program that runs;
@@ -13,6 +12,7 @@
 // - CoreErrorCodes::kError: all else, such as a missing permission.
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "foundation/ErrorCodes.h"
@@ -87,6 +87,14 @@ class GFileSystem {
   // A link to a folder is a file here (kDirectoryNotFound).
   static TModuleErrorCode OSMoveDirectory(const GFileSystemSpec& source,
                                           const GFileSystemSpec& destination);
+
+  // Puts the bytes in place of a file, or makes it, so that a half-written one never stands: they
+  // are on the disk before they take its name, and whatever fails, the old file stays. A link stays
+  // a link, and what it leads to is replaced. The permissions stay those of the old file; a new one
+  // is for this user alone. kInvalidPath for what is no regular file. Of several writers the last
+  // one wins.
+  static TModuleErrorCode OSReplaceFile(const GFileSystemSpec& spec,
+                                        std::span<const unsigned char> bytes);
 
   // Enumerate.
 

@@ -49,7 +49,7 @@ GThread::GThread(TEntryFunction entry, void* userData)
 }
 
 GThread::~GThread() {
-  if (StopThread(true) != 0) GUtils::FailAssertion("StopThread(true) == 0");
+  GUtils::Assert(StopThread(true) == 0, "StopThread(true) == 0");
   GInternalThreadMgr::GetSharedInstance()->Remove(this);
 }
 

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "foundation/PluginLog.h"
+
 namespace GUtils {
 
 timespec FutureMillisecondsToAbsTime(unsigned int milliseconds) {
@@ -26,8 +28,10 @@ void InitTimedCondition(pthread_cond_t& condition) {
   pthread_condattr_destroy(&attributes);
 }
 
-void FailAssertion(const char* expression) {
+void Assert(bool holds, const char* expression) {
+  if (holds) return;
   std::fprintf(stderr, "ASSERTION FAILED:  %s\n", expression);
+  OutputFormattedDebugString("ASSERTION FAILED:  %s", expression);
   std::abort();
 }
 

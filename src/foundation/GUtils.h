@@ -1,4 +1,4 @@
-// Small helpers of the locks and waits, which all sleep on POSIX conditions.
+// Small helpers, most of them of the locks and waits, which all sleep on POSIX conditions.
 #pragma once
 
 #include <pthread.h>
@@ -26,8 +26,9 @@ class Guard {
   pthread_mutex_t& mMutex;
 };
 
-// An assertion that also stands in release builds: prints `expression` to standard error and aborts
-// the process.
-[[noreturn]] void FailAssertion(const char* expression);
+// Ends the process for an error of the caller, in every kind of build; never for an error of data.
+// `expression` is what should have held: standard error and the plug-in log get it first.
+// [any-thread]
+void Assert(bool holds, const char* expression);
 
 }  // namespace GUtils

@@ -28,25 +28,29 @@ bool IsSigned(EValueType type) {
          type == GValue::kValueType_long;
 }
 
-bool IsInteger(EValueType type) {
-  return IsSigned(type) || type == GValue::kValueType_ubyte || type == GValue::kValueType_ulong ||
+bool IsIntegral(EValueType type) {
+  return IsSigned(type) || type == GValue::kValueType_bool || type == GValue::kValueType_ubyte || type == GValue::kValueType_ulong ||
          type == GValue::kValueType_uLongLong;
 }
 
 // The type that a value of type `present` has to have to be read as T.
 template <class T>
 EValueType TypeToRead(EValueType present) {
-  if constexpr (GValueInteger<T>) {
-    if (IsInteger(present)) return present;
+  if constexpr (std::integral<T>) {
+    if (IsIntegral(present)) return present;
   }
   return GValueTypeOf<T>();
 }
 
-template <GValueInteger T>
+template <std::integral T>
 bool IsInRange(std::uint64_t bits, EValueType type) {
-  using Range = GValueRange<T>;
-  return IsSigned(type) ? std::in_range<Range>(static_cast<std::int64_t>(bits))
-                        : std::in_range<Range>(bits);
+  if constexpr (std::is_same_v<T, bool>) {
+    return bits <= 1;
+  } else {
+    using Range = GValueRange<T>;
+    return IsSigned(type) ? std::in_range<Range>(static_cast<std::int64_t>(bits))
+                          : std::in_range<Range>(bits);
+  }
 }
 
 }  // namespace
@@ -98,8 +102,6 @@ TModuleErrorCode GValue::GetIntegralValueAtIndex(unsigned int index, T& value) c
   const std::uint64_t bits = (*m_dataPtr)[index].Bits();
   if constexpr (std::is_same_v<T, double>) {
     value = std::bit_cast<double>(bits);
-  } else if constexpr (std::is_same_v<T, bool>) {
-    value = bits != 0;
   } else {
     G_CHECK_CONDITION(!IsInRange<T>(bits, type), kValueConversionError);
     value = static_cast<T>(bits);

@@ -28,7 +28,7 @@ using GKVTreePtr = boost::shared_ptr<GKVTree>;
 template <class T, class... Types>
 concept GOneOf = (std::is_same_v<T, Types> || ...);
 
-// The integers among the types of elements; `char` is signed and has 8 bits. bool is none of them.
+// The integers among the types of elements, beside bool; `char` is signed and has 8 bits.
 template <class T>
 concept GValueInteger =
     GOneOf<T, char, unsigned char, short, int, unsigned int, unsigned long long>;
@@ -90,9 +90,9 @@ class GValue : public GLibXMLSerializable {
   bool IsArray() const;
 
   // Element `index`. After a failure `value` is what it was.
-  // kArrayIndexError at or beyond the count. An integer may be read as any integer type that holds
-  // it, kValueConversionError if it does not; any other type is read as itself only,
-  // kValueTypeError.
+  // kArrayIndexError at or beyond the count. An integer or bool may be read as any of these types
+  // that holds the number (a bool 0 and 1), kValueConversionError if it does not; any other type is
+  // read as itself only, kValueTypeError.
   template <GValueElement T>
   TModuleErrorCode GetValue(T& value, unsigned int index = 0) const;
   // All elements; what `values` held goes. Failures as above, and kValueTypeError even if there are

@@ -1,12 +1,13 @@
 #include "foundation/JsonParser.h"
 
-#include <unistr.h>
 #include <yajl/yajl_tree.h>
 
 #include <array>
 #include <new>
 #include <stdexcept>
 #include <utility>
+
+#include "foundation/GString.h"
 
 namespace restful_mapper::Json {
 
@@ -16,11 +17,6 @@ constexpr std::size_t kErrorBufferSize = 1024;
 
 [[noreturn]] void RefuseText(const char* reason) {
   throw std::runtime_error(std::string("JSON parse error:\n") + reason);
-}
-
-// yajl takes halves of surrogate pairs and characters in too many bytes for UTF-8.
-bool IsUtf8(const std::string& text) {
-  return u8_check(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()) == nullptr;
 }
 
 }  // namespace
@@ -33,7 +29,8 @@ void Parser::load(const std::string& text) {
   std::array<char, kErrorBufferSize> error{};
   OwnedTree tree(yajl_tree_parse(text.c_str(), error.data(), error.size()));
   if (tree == nullptr) RefuseText(error.data());
-  if (!IsUtf8(text)) RefuseText("lexical error: invalid bytes in UTF8 string.\n");
+  // yajl takes halves of surrogate pairs and characters in too many bytes for UTF-8.
+  if (!GString::IsValidUtf8(text)) RefuseText("lexical error: invalid bytes in UTF8 string.\n");
   if (!PrepareTree(tree.get())) throw std::bad_alloc();
   mTree = std::move(tree);
 }

@@ -46,8 +46,8 @@ inline constexpr std::size_t kMaxFileBytes = std::size_t{64} << 20;
 // is told to the plug-in log too. What was read belongs to the caller and can be changed, so that
 // no mutability is asked for.
 [[nodiscard]] std::optional<Value> XCFCreateCFPropertyListFromPath(std::string_view path);
-// Both replace a file as a whole (ReplaceFile.h). False for an empty path, for a value without an
-// XML form, beyond the bound and when writing fails; the old file then stands.
+// Both replace a file as a whole (GFileSystem::OSReplaceFile). False for an empty path, for a value
+// without an XML form, beyond the bound and when writing fails; the old file then stands.
 [[nodiscard]] bool XCFWriteCFPropertyListToXMLFile(const Value& list, std::string_view path);
 [[nodiscard]] bool XCFWriteCFDataRefToXMLFile(const Data& data, std::string_view path);
 

@@ -1,9 +1,7 @@
-#include <filesystem>
-
 #include "foundation/ErrorChecks.h"
 #include "foundation/GFile.h"
+#include "foundation/GFileSystem.h"
 #include "foundation/PluginLog.h"
-#include "propertylist/ReplaceFile.h"
 #include "propertylist/XCFUtils.h"
 #include "propertylist/XmlForm.h"
 
@@ -15,7 +13,8 @@ namespace {
 
 bool WriteBytes(std::span<const unsigned char> bytes, std::string_view path) {
   const GFileSystemSpec spec{std::string(path)};
-  return !spec.IsEmpty() && bytes.size() <= kMaxFileBytes && OSReplaceFile(spec, bytes) == 0;
+  return !spec.IsEmpty() && bytes.size() <= kMaxFileBytes &&
+         GFileSystem::OSReplaceFile(spec, bytes) == 0;
 }
 
 std::span<const unsigned char> BytesOf(const std::string& text) {
@@ -32,14 +31,9 @@ TModuleErrorCode GetFileLengthAndRewind(GFile& file, unsigned long long& length)
 
 std::optional<Data> XCFCreateCFDataRefFromPath(std::string_view path) {
   const GFileSystemSpec spec{std::string(path)};
-  // Asked before it is opened: opening a pipe waits for a writer.
-  std::error_code unknown;
-  if (spec.IsEmpty() || !std::filesystem::is_regular_file(spec.GetPath(), unknown)) {
-    return std::nullopt;
-  }
   GFile file;
   unsigned long long length = 0;
-  if (file.Open(spec, GFile::eRead | GFile::eBinary) != 0 ||
+  if (spec.IsEmpty() || file.Open(spec, GFile::eRead | GFile::eBinary) != 0 ||
       GetFileLengthAndRewind(file, length) != 0 || length == 0 || length > kMaxFileBytes) {
     return std::nullopt;
   }

@@ -5,7 +5,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "propertylist/CallerAssertion.h"
+#include "foundation/GUtils.h"
 #include "propertylist/XCFUtils.h"
 
 namespace XCFUtils {
@@ -79,13 +79,13 @@ bool GetCFTypeFromDict(const DictionaryRef& dict, std::string_view key, PLKind t
 }
 
 const std::string* XCFGetCFStringFromDictionary(const DictionaryRef& dict, std::string_view key) {
-  AssertOfCaller(static_cast<bool>(dict), "dict != NULL");
+  GUtils::Assert(static_cast<bool>(dict), "dict != NULL");
   return GetCFStringFromDict(dict, key);
 }
 
 template <typename Number>
 bool GetNumberFromCFValue(const Value* value, Number* out) {
-  AssertOfCaller(out != nullptr, "out != NULL");
+  GUtils::Assert(out != nullptr, "out != NULL");
   if (value == nullptr) return false;
   if (const std::int64_t* integer = value->AsInteger()) return ConvertInteger(*integer, *out);
   if (const double* real = value->AsReal()) return ConvertReal(*real, *out);

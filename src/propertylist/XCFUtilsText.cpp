@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "foundation/GStringUtils.h"
-#include "propertylist/CallerAssertion.h"
+#include "foundation/GUtils.h"
 #include "propertylist/StringConversion.h"
 #include "propertylist/XCFUtils.h"
 
@@ -19,8 +19,8 @@ bool Contains(std::string_view text, std::string_view part, CFStringCompareFlags
 
 std::ptrdiff_t XCFGetUniStringFromDictionary(const DictionaryRef& dict, std::string_view key,
                                              std::span<char16_t> buffer) {
-  AssertOfCaller(static_cast<bool>(dict), "dict != NULL");
-  AssertOfCaller(buffer.data() != nullptr, "buffer != NULL");
+  GUtils::Assert(static_cast<bool>(dict), "dict != NULL");
+  GUtils::Assert(buffer.data() != nullptr, "buffer != NULL");
   const std::u16string text = CFStringGetAsNewUtf16Buffer(GetCFStringFromDict(dict, key));
   const auto length = static_cast<std::ptrdiff_t>(text.size());
   if (text.size() > buffer.size()) return -length;
@@ -59,7 +59,7 @@ std::string CFStringGetUTF8StdString(const std::string* string) { return GetStdS
 
 bool CFDictionaryDoesStringValueContain(const DictionaryRef& dict, std::string_view key,
                                         std::string_view text, CFStringCompareFlags options) {
-  AssertOfCaller(static_cast<bool>(dict), "dict != NULL");
+  GUtils::Assert(static_cast<bool>(dict), "dict != NULL");
   const std::string* string = GetCFStringFromDict(dict, key);
   return string != nullptr && Contains(*string, text, options);
 }

@@ -1,5 +1,5 @@
 // Typed values into dictionaries and arrays.
-#include "propertylist/CallerAssertion.h"
+#include "foundation/GUtils.h"
 #include "propertylist/XCFUtils.h"
 
 namespace XCFUtils {
@@ -7,12 +7,12 @@ namespace XCFUtils {
 namespace {
 
 void Put(const DictionaryRef& dict, std::string_view key, Value value) {
-  AssertOfCaller(static_cast<bool>(dict), "dict != NULL");
+  GUtils::Assert(static_cast<bool>(dict), "dict != NULL");
   dict->Set(key, std::move(value));
 }
 
 void Append(const ArrayRef& array, Value value) {
-  AssertOfCaller(static_cast<bool>(array), "array != NULL");
+  GUtils::Assert(static_cast<bool>(array), "array != NULL");
   array->Append(std::move(value));
 }
 
@@ -60,7 +60,7 @@ bool PutUTF8NullTermCharPtrIntoDict(const DictionaryRef& dict, std::string_view 
 
 bool PutNullTermCharPtrIntoDict(const DictionaryRef& dict, std::string_view key, const char* text,
                                 CFStringEncoding encoding) {
-  AssertOfCaller(text != nullptr, "text != NULL");
+  GUtils::Assert(text != nullptr, "text != NULL");
   std::optional<std::string> utf8 = DecodeText(text, encoding);
   if (!utf8) return false;
   Put(dict, key, std::move(*utf8));
@@ -80,7 +80,7 @@ void AppendULongOntoArray(const ArrayRef& array, unsigned long value) {
 }
 
 bool AppendUTF8NullTermCharPtrOntoArray(const ArrayRef& array, const char* text) {
-  AssertOfCaller(text != nullptr, "text != NULL");
+  GUtils::Assert(text != nullptr, "text != NULL");
   std::optional<std::string> utf8 = DecodeText(text, kCFStringEncodingUTF8);
   if (!utf8) return false;
   Append(array, std::move(*utf8));

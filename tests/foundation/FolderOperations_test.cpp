@@ -158,7 +158,7 @@ TEST_F(FolderOperations, DeletingRemovesLinksAndNotWhereTheyLead) {
 }
 
 TEST_F(FolderOperations, DepthCostsNoDescriptorsAndNoLongPaths) {
-  constexpr int kDepth = 3000;  // the path is longer than any call takes
+  constexpr int kDepth = 2100;  // the path is longer than any call takes
   const std::string top = mHome.MakeFolder("deep");
   int folder = open(top.c_str(), O_RDONLY | O_DIRECTORY);
   for (int i = 0; i < kDepth; ++i) {

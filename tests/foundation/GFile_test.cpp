@@ -139,6 +139,10 @@ TEST_F(GFileTest, WritesAppendsAndReadsBack) {
   EXPECT_EQ(file.SetFilePosition(GFile::eFromCurrent, 1), 0U);
   EXPECT_EQ(file.Read(rest), 0U);
   EXPECT_EQ(rest, "l");
+  EXPECT_EQ(file.SetFilePosition(GFile::eFromEnd, 0ULL - 3), 0U);
+  EXPECT_EQ(file.SetFilePosition(GFile::eFromCurrent, 0ULL - 1), 0U);
+  EXPECT_EQ(file.Read(rest), 0U);
+  EXPECT_EQ(rest, "tail");
   EXPECT_EQ(file.SetFilePosition(GFile::eFromEnd, 0), 0U);
   EXPECT_EQ(file.GetFilePosition(number), 0U);
   EXPECT_EQ(number, 8U);
@@ -148,7 +152,7 @@ TEST_F(GFileTest, WritesAppendsAndReadsBack) {
       {GFile::eFromStart, kLargest + 1},
       {GFile::eFromStart, 0ULL - 2},
       {GFile::eFromCurrent, kLargest},
-      {GFile::eFromEnd, 0ULL - 1},
+      {GFile::eFromEnd, 0ULL - 9},
   };
   for (const auto& [origin, offset] : refused) {
     EXPECT_EQ(file.SetFilePosition(static_cast<GFile::EPosition>(origin), offset),

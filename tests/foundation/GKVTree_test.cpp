@@ -298,7 +298,7 @@ TEST(GKVTree, SetsLoggingLevels) {
   levels.SetValueForKey(4, "Three");
   levels.SetValueForKey(std::vector<std::string>{"DEBUG", "error"}, "Four");
   levels.SetValueForKey(std::vector<std::string>(), "Five");
-  GLogger logger;
+  GLogger& logger = *GLogger::GetSharedInstance();
   logger.SetDefaultLoggingLevel(GLogger::eError);
   logger.SetLoggingLevelsFromKVTree(levels);
   const char* identifiers[] = {"one", "two", "three", "four", "five"};

@@ -30,17 +30,6 @@ ssize_t CopyInKernel(int from, int to) {
   return copy_file_range(from, nullptr, to, nullptr, kKernelChunk, 0);
 }
 
-bool WriteAll(int to, const char* bytes, std::size_t count) {
-  while (count > 0) {
-    const ssize_t written = write(to, bytes, count);
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes += written;
-    count -= static_cast<std::size_t>(written);
-  }
-  return true;
-}
-
 ssize_t CopyByBuffer(int from, int to, std::vector<char>& buffer) {
   buffer.resize(kBufferChunk);
   const ssize_t got = read(from, buffer.data(), buffer.size());
@@ -91,6 +80,17 @@ TModuleErrorCode CopyOpenFile(int from, int to, const CopyOptions& options) {
   G_CHECK_CONDITION(fchmod(to, status.st_mode & kCopiedBits) != 0, CodeOfCopy(errno));
   G_CHECK_CONDITION(options.waitsForDisk && fsync(to) != 0, CodeOfCopy(errno));
   return 0;
+}
+
+bool WriteAll(int to, const char* bytes, std::size_t count) {
+  while (count > 0) {
+    const ssize_t written = write(to, bytes, count);
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes += written;
+    count -= static_cast<std::size_t>(written);
+  }
+  return true;
 }
 
 bool ReadLink(int folder, const std::string& name, std::string& outTarget) {

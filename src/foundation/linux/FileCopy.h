@@ -2,6 +2,7 @@
 // is none, it is CoreErrorCodes::kStopped.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "foundation/ErrorCodes.h"
@@ -22,7 +23,8 @@ TModuleErrorCode OpenCopySource(int folder, const std::string& name, int flags,
                                 FileDescriptor& outFile);
 // All bytes and the permission bits.
 TModuleErrorCode CopyOpenFile(int from, int to, const CopyOptions& options);
-// False with errno set.
+// These two are false with errno set.
+bool WriteAll(int to, const char* bytes, std::size_t count);
 bool ReadLink(int folder, const std::string& name, std::string& outTarget);
 
 // To a free place; whole or not at all.

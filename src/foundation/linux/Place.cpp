@@ -140,3 +140,9 @@ bool PendingEntry::Publish() {
   mState = EState::eNone;
   return true;
 }
+
+bool PendingEntry::PublishInPlaceOfOld() {
+  if (!RenameOver(mPlace.folder.Get(), mName, mPlace)) return false;
+  mState = EState::eNone;
+  return true;
+}

@@ -36,8 +36,9 @@ class PendingEntry {
   FileDescriptor MakeFile();
   FileDescriptor MakeFolder();
   bool MakeLink(const std::string& target);
-  // Gives it its place; false with errno set.
+  // Both give it its place, the second also one that is taken by a file; false with errno set.
   bool Publish();
+  bool PublishInPlaceOfOld();
 
  private:
   enum class EState { eNone, eFile, eFolder };
