@@ -29,8 +29,8 @@ bool IsSigned(EValueType type) {
 }
 
 bool IsIntegral(EValueType type) {
-  return IsSigned(type) || type == GValue::kValueType_bool || type == GValue::kValueType_ubyte || type == GValue::kValueType_ulong ||
-         type == GValue::kValueType_uLongLong;
+  return IsSigned(type) || type == GValue::kValueType_bool || type == GValue::kValueType_ubyte ||
+         type == GValue::kValueType_ulong || type == GValue::kValueType_uLongLong;
 }
 
 // The type that a value of type `present` has to have to be read as T.

@@ -202,9 +202,11 @@ TEST(GValue, NothingElseConverts) {
   };
   const char* expected[] = {"xx...", "xx...", "..x..", "...x.", "....x"};
   for (std::size_t i = 0; i < std::size(values); ++i) EXPECT_EQ(codes(values[i]), expected[i]);
-  ExpectReadAs<bool>(GValue(1), kOk, true);
-  ExpectReadAs<bool>(GValue(2), GValue::kValueConversionError, true);
   ExpectReadAs<int>(GValue(true), kOk, 1);
+  bool flag = false;
+  EXPECT_EQ(GValue(2).GetValue(flag), GValue::kValueConversionError);
+  EXPECT_EQ(GValue(1).GetValue(flag), kOk);
+  EXPECT_TRUE(flag);
   const GValue none;
   int number = 0;
   std::vector<int> numbers(1);
