@@ -28,6 +28,13 @@ constexpr LevelName kLevelTexts[] = {
 constexpr std::size_t kFirstStringBufferSize = 256;
 // Identifiers up to this length are looked up without an allocation.
 constexpr std::size_t kUsualIdentifierSize = 64;
+constexpr std::size_t kBuckets = 64;
+
+// Cheap, and the same in either case.
+std::size_t BucketOf(std::string_view identifier) {
+  const unsigned char first = identifier.empty() ? 0 : static_cast<unsigned char>(identifier[0]);
+  return (identifier.size() * 5 + (first | 0x20U)) % kBuckets;
+}
 
 bool IsSilent(GLogger::LoggingLevel level) {
   return level == GLogger::eNone || level == GLogger::eUnknown;
@@ -201,7 +208,10 @@ void GLogger::LogvString(const char* format, std::va_list arguments) {
 }
 
 bool GLogger::ShouldLog(std::string_view identifier, LoggingLevel level) {
-  if (IsSilent(level) || level > mHighestLevel.load(std::memory_order_relaxed)) return false;
+  if (IsSilent(level) ||
+      level > mHighestLevels[BucketOf(identifier)].load(std::memory_order_relaxed)) {
+    return false;
+  }
   const LoggingLevel threshold = GetLoggingLevelForIdentifier(identifier);
   return !IsSilent(threshold) && threshold >= level;
 }
@@ -251,11 +261,13 @@ const GLogger::LoggingLevel* GLogger::StoreLevel(const std::string& identifier,
                                                  LoggingLevel level) {
   LoggingLevel& stored = mLevels[identifier];
   stored = level;
-  LoggingLevel highest = eNone;
-  for (const auto& row : mLevels) {
-    if (!IsSilent(row.second)) highest = std::max(highest, row.second);
+  const auto audible = [](LoggingLevel any) { return IsSilent(any) ? eNone : any; };
+  std::array<LoggingLevel, kBuckets> highest;
+  highest.fill(audible(mLevels[mDefaultIdentifier]));
+  for (const auto& [name, any] : mLevels) {
+    highest[BucketOf(name)] = std::max(highest[BucketOf(name)], audible(any));
   }
-  mHighestLevel.store(highest, std::memory_order_relaxed);
+  std::copy(highest.begin(), highest.end(), mHighestLevels.begin());
   return &stored;
 }
 

@@ -12,6 +12,7 @@
 // another thread that logs.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdarg>
 #include <cstdint>
@@ -107,5 +108,6 @@ class GLogger {
   std::map<std::string, LoggingLevel, std::less<>> mLevels;  // by lower-case identifier
   const LoggingLevel* mDefaultLevel = nullptr;               // that of "default" in mLevels
   const std::string mDefaultIdentifier = "default";
-  std::atomic<LoggingLevel> mHighestLevel{eNone};  // of all in mLevels that are not silent
+  // The highest level that an identifier of the bucket can have: what is above needs no look-up.
+  std::array<std::atomic<LoggingLevel>, 64> mHighestLevels{};
 };
