@@ -1,4 +1,5 @@
-// The pieces that values and trees write their XML with; for their sources only.
+// What everything that writes XML shares: which characters it can hold, how they are escaped, where
+// lines break. [any-thread]
 #pragma once
 
 #include <iosfwd>

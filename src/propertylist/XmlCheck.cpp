@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/GString.h"
+#include "foundation/XMLText.h"
 #include "propertylist/XmlForm.h"
 
 namespace PropertyList {
@@ -292,19 +292,8 @@ class Checker {
 
 }  // namespace
 
-bool IsXmlText(std::string_view text) {
-  const auto isRefused = [](char character) {
-    return static_cast<unsigned char>(character) < 0x20 && character != '\t' && character != '\n' &&
-           character != '\r';
-  };
-  if (std::any_of(text.begin(), text.end(), isRefused) || !GString::IsValidUtf8(text)) return false;
-  // U+FFFE and U+FFFF.
-  return text.find("\xEF\xBF\xBE") == std::string_view::npos &&
-         text.find("\xEF\xBF\xBF") == std::string_view::npos;
-}
-
 bool IsXmlPropertyList(std::string_view xml) {
-  return xml.size() <= kMaxXmlBytes && IsXmlText(xml) && Checker(xml).Check();
+  return xml.size() <= kMaxXmlBytes && XMLText::IsPossible(xml) && Checker(xml).Check();
 }
 
 }  // namespace PropertyList

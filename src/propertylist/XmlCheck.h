@@ -7,9 +7,6 @@
 
 namespace PropertyList {
 
-// Well-formed UTF-8 of characters that XML can hold.
-bool IsXmlText(std::string_view text);
-
 // Is this one property list: at most one <plist> around exactly one value, every element closed in
 // order, keys and values of dictionaries in turn, numbers and base64 well-formed, entities known,
 // within the bounds of XmlForm.h? Declarations inside a DOCTYPE are refused, and so are comments

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "foundation/XMLText.h"
 #include "propertylist/XmlCheck.h"
 
 namespace PropertyList {
@@ -75,7 +76,7 @@ class TreeBuilder {
     return mByteCount <= kMaxXmlBytes;
   }
 
-  bool Accept(const std::string& text) { return Count(text.size()) && IsXmlText(text); }
+  bool Accept(const std::string& text) { return Count(text.size()) && XMLText::IsPossible(text); }
 
   Node BuildData(const Data& data) {
     if (!Count(data.size())) return nullptr;
