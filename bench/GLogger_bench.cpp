@@ -98,7 +98,7 @@ const bool sRegistered = [] {
   Row("NotInTheMapOneAtDebug", "Recovery", false, 0, "Watched");
   Row("NotInTheMapOfOthersOneAtDebug", "Recovery", false, 8, "Watched");
   Row("InTheMapWithOthersOneAtDebug", "Recovery", true, 8, "Watched");
-  Row("InTheMapWithOthersSameBucket", "Recovery", true, 8, "Rewinder");
+  Row("InTheMapWithOthersSameBucket", "Recovery", true, 8, "Registry");
   Row("LongNameWithOthers", "ActivationOfDocumentFonts", true, 8);
   return true;
 }();

@@ -32,8 +32,10 @@ constexpr std::size_t kBuckets = 64;
 
 // Cheap, and the same in either case.
 std::size_t BucketOf(std::string_view identifier) {
-  const unsigned char first = identifier.empty() ? 0 : static_cast<unsigned char>(identifier[0]);
-  return (identifier.size() * 5 + (first | 0x20U)) % kBuckets;
+  if (identifier.empty()) return 0;
+  const auto lower = [](char c) { return static_cast<unsigned char>(c) | 0x20U; };
+  return (identifier.size() * 13 + lower(identifier.front()) * 7 + lower(identifier.back())) %
+         kBuckets;
 }
 
 bool IsSilent(GLogger::LoggingLevel level) {
