@@ -56,7 +56,8 @@ int FontActivationTracker::CloseAllFontsForIdentifier(const std::string& sDocume
                                                       bool bDeactivateClosedFonts,
                                                       bool bShowProgress,
                                                       const FontRecordArray& fontsDeactivated) {
-  if (ConnectedFontManager() == nullptr) return kErrorKestraneNotRunning;
+  const OperationTrace trace(__func__);
+  if (ConnectedFontManager() == nullptr) return trace.Return(kErrorKestraneNotRunning);
   GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
   bool allClosed = bDeactivateClosedFonts;
   int result = 0;
@@ -79,7 +80,7 @@ int FontActivationTracker::CloseAllFontsForIdentifier(const std::string& sDocume
     fontManager->FinishClosingFontsForDocument(sDocumentIdentifier, allClosed);
     fontManager->SetCountForLongOperations(1);
   }
-  return result;
+  return trace.Return(result);
 }
 
 int FontActivationTracker::CloseRegisteredFonts(Closing& closing, const std::string& identifier,
@@ -186,9 +187,10 @@ int FontActivationTracker::CloseFontsOneByOne(Closing& closing,
 }
 
 int FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts, bool bShowProgress) {
+  const OperationTrace trace(__func__);
   FontManagerInterface* fontManager = ConnectedFontManager();
-  if (fontManager == nullptr) return kErrorKestraneNotRunning;
-  if (m_mFonts.empty()) return 0;
+  if (fontManager == nullptr) return trace.Return(kErrorKestraneNotRunning);
+  if (m_mFonts.empty()) return trace.Return(0);
   GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
   OutputFormattedDebugString("Calling FontManagerInterface::SetCountForLongOperations(%d)",
                              static_cast<int>(m_mFonts.size()));
@@ -205,7 +207,7 @@ int FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts, bool bShow
                          : CloseEverythingOneByOne(closing, fontIDs);
   EndActivationChange();
   m_mFonts.clear();
-  return result;
+  return trace.Return(result);
 }
 
 int FontActivationTracker::CloseEverythingInOneBatch(Closing& closing,

@@ -89,16 +89,17 @@ int FontActivationTracker::OpenFontsForIdentifier(const FontRecordArray& fonts,
                                                   bool bShowProgress,
                                                   const FontRecordArray& activatedFonts,
                                                   const FontRecordArray& noncompliantFonts) {
+  const OperationTrace trace(__func__);
   FontManagerInterface* fontManager = ConnectedFontManager();
   if (fontManager == nullptr) {
     OutputFormattedDebugString(
         "OpenFontsForIdentifier returning kErrorKestraneNotRunning (EARLY RETURN)");
-    return kErrorKestraneNotRunning;
+    return trace.Return(kErrorKestraneNotRunning);
   }
   fontManager->BeginOpeningFontsForDocument(sDocumentIdentifier);
   if (!fonts) {
     FinishOpening(sDocumentIdentifier);
-    return 0;
+    return trace.Return(0);
   }
   fontManager->SetCountForLongOperations(IntOf(fonts->Count()));
   const auto progress = ShowFontProgress(m_pTarnInterface, bShowProgress, fonts->Count(),
@@ -121,7 +122,7 @@ int FontActivationTracker::OpenFontsForIdentifier(const FontRecordArray& fonts,
   }
   EndFontChangeSession(bShowProgress);
   FinishOpening(sDocumentIdentifier);
-  return result;
+  return trace.Return(result);
 }
 
 int FontActivationTracker::ActivateInOneBatch(Batch& batch, const FontRecordArray& activatedFonts,

@@ -93,6 +93,7 @@ void FontActivationTracker::RegisterFontWithDocument(const FontRecord& font,
 
 void FontActivationTracker::RemoveActivatedFonts(const FontRecordArray& fonts, long inWorkgroupID,
                                                  bool removeOnlyManuallyActivated) {
+  const OperationTrace trace(__func__);
   for (std::size_t i = CountOf(fonts); i-- > 0;) {
     const FontRecord font = fonts->DictionaryAt(i);
     if (!font) {
@@ -108,6 +109,7 @@ void FontActivationTracker::RemoveActivatedFonts(const FontRecordArray& fonts, l
 }
 
 void FontActivationTracker::EndFontChangeSession(bool bHideProgress) {
+  const OperationTrace trace(__func__);
   if (bHideProgress && m_pTarnInterface != nullptr) m_pTarnInterface->HideProgress();
   FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
   if (fontManager != nullptr) static_cast<void>(fontManager->EndActivationChange());

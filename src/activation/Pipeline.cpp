@@ -115,8 +115,9 @@ int ProcessDocumentFontsForAutoActivation(const FontRecordArray& allDocumentFont
                                           const FontRecordArray& problemFonts,
                                           bool faceprintEnabled, bool pickBestMatch,
                                           long workgroupID, TarnInterface* tarn) {
-  if (ConnectedFontManager() == nullptr) return kErrorKestraneNotRunning;
-  if (!allDocumentFonts || !matchedFonts || !problemFonts) return kErrorBadArgument;
+  const OperationTrace trace(__func__);
+  if (ConnectedFontManager() == nullptr) return trace.Return(kErrorKestraneNotRunning);
+  if (!allDocumentFonts || !matchedFonts || !problemFonts) return trace.Return(kErrorBadArgument);
   OutputFormattedDebugString("ProcessDocumentFontsForAutoActivation: faceprintEnabled=%d",
                              faceprintEnabled ? 1 : 0);
   const Sorting sorting{matchedFonts, problemFonts, pickBestMatch, workgroupID};
@@ -134,7 +135,7 @@ int ProcessDocumentFontsForAutoActivation(const FontRecordArray& allDocumentFont
       "and %d problemFonts (%d with Faceprint data).",
       static_cast<int>(matchedFonts->Count()), CountWithFaceprintData(matchedFonts),
       static_cast<int>(problemFonts->Count()), CountWithFaceprintData(problemFonts));
-  return result;
+  return trace.Return(result);
 }
 
 }  // namespace FaceprintSupport

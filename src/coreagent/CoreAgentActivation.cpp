@@ -87,15 +87,16 @@ std::uint32_t CoreAgentInterface::SendActivation(const FontIDs& ids, Activation&
 int CoreAgentInterface::ActivateFontByName(const std::string& name, long workgroupID,
                                            const std::string& documentIdentifier,
                                            std::uint32_t& outFontID) {
+  const OperationTrace trace(__func__);
   outFontID = 0;
   FontIDs ids;
   FontIDsForPostScriptName(name, workgroupID, ids);
-  if (ids.size() != 1) return 0;
+  if (ids.size() != 1) return trace.Return(0);
   outFontID = ids.front();
   const FontRecord font = MakeFontRecord();
   SetRecordNumber(font, kFP_DatabaseIDKey, outFontID);
   SetRecordNumber(font, kFP_WorkgroupIDKey, workgroupID);
-  return ActivateFontByID(font, documentIdentifier, nullptr);
+  return trace.Return(ActivateFontByID(font, documentIdentifier, nullptr));
 }
 
 int CoreAgentInterface::ActivateFontByID(const FontRecord& font, const std::string&, void*) {
@@ -109,11 +110,12 @@ int CoreAgentInterface::ActivateFontsByID(const FontRecordArray& fonts, const st
                                           const FontRecordArray& outActivated,
                                           const FontRecordArray& outSecond, FontProgressCallback,
                                           void*) {
+  const OperationTrace trace(__func__);
   const FontIDs ids = GetFontIDsFromFontInfoArray(fonts, false);
   if (ids.empty()) {
     OutputFormattedDebugString(
         "CoreAgentInterface::ActivateFontsByID -- empty fonts vector, doing nothing.");
-    return 0;
+    return trace.Return(0);
   }
   Activation outcome;
   const std::uint32_t code = SendActivation(ids, outcome);
@@ -121,7 +123,7 @@ int CoreAgentInterface::ActivateFontsByID(const FontRecordArray& fonts, const st
     CreateFontArrayWithErrorsRemoved(fonts, outcome.failed, outActivated);
   }
   if (outSecond) AppendFontsInList(fonts, outcome.second, outSecond);
-  return FacadeCall::ResultFromCode(code);
+  return trace.Return(FacadeCall::ResultFromCode(code));
 }
 
 int CoreAgentInterface::DeactivateFont(const FontRecord& font, void*) {
@@ -133,9 +135,10 @@ int CoreAgentInterface::DeactivateFont(const FontRecord& font, void*) {
 int CoreAgentInterface::DeactivateFonts(const FontRecordArray& fonts, void*,
                                         const FontRecordArray& outDeactivated, FontProgressCallback,
                                         void*) {
+  const OperationTrace trace(__func__);
   const FontIDs ids = GetFontIDsFromFontInfoArray(fonts, false);
-  if (ids.empty()) return 0;
+  if (ids.empty()) return trace.Return(0);
   const std::uint32_t code = SendDeactivateFonts(ids);
   if (code == 0 && outDeactivated) CreateFontArrayWithErrorsRemoved(fonts, {}, outDeactivated);
-  return FacadeCall::ResultFromCode(code);
+  return trace.Return(FacadeCall::ResultFromCode(code));
 }

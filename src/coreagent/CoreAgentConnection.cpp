@@ -39,6 +39,7 @@ void CoreAgentInterface::Disable() {
 }
 
 void CoreAgentInterface::InitializeCoreAgent(const std::string& hostApp) {
+  const OperationTrace trace(__func__);
   if (!CheckSchema(hostApp) || !CheckAgentIsRunning()) return;
   ReportVerdict(FacadeCall::WithInstance(&SkerryLoader::pfInitThreadInstance));
   // After a failed start too: that is how the plug-in hears when the agent comes back.
@@ -124,9 +125,10 @@ void CoreAgentInterface::ReportVaultError(std::uint32_t verdict) {
 }
 
 int CoreAgentInterface::DisconnectFromFontManager() {
+  const OperationTrace trace(__func__);
   FacadeCall::WithInstance(&SkerryLoader::pfUnregisterForNotifications,
                            &CoreAgentNotificationCallback);
-  return 0;
+  return trace.Return(0);
 }
 
 void CoreAgentInterface::EnqueueNotification(

@@ -139,12 +139,13 @@ int CoreAgentInterface::CountNamedFonts(const std::string& name, TypeOfFontName 
 int CoreAgentInterface::GetNamedFontInfo(const std::string& name, TypeOfFontName type,
                                          long workgroupID, long index, const std::string&,
                                          FontOrSetInfoRec& outRec) {
+  const OperationTrace trace(__func__);
   FontIDs ids;
   const int result = FontIDsForName(name, type, workgroupID, ids);
-  if (result != 0) return result;
-  if (index < 1 || index > static_cast<long>(ids.size())) return kErrorGeneral;
-  return GetFontInfoByID(MakeQueryRecord(ids[static_cast<std::size_t>(index - 1)], workgroupID),
-                         outRec);
+  if (result != 0) return trace.Return(result);
+  if (index < 1 || index > static_cast<long>(ids.size())) return trace.Return(kErrorGeneral);
+  const std::uint32_t id = ids[static_cast<std::size_t>(index - 1)];
+  return trace.Return(GetFontInfoByID(MakeQueryRecord(id, workgroupID), outRec));
 }
 
 std::uint32_t CoreAgentInterface::FetchFontRecord(long workgroupID, const FontRecord& font,
@@ -161,8 +162,9 @@ std::uint32_t CoreAgentInterface::FetchFontRecord(long workgroupID, const FontRe
 }
 
 int CoreAgentInterface::GetFontInfoByID(const FontRecord& font, FontOrSetInfoRec& outRec) {
+  const OperationTrace trace(__func__);
   outRec = FontOrSetInfoRec();
-  if (!font) return kErrorGeneral;
+  if (!font) return trace.Return(kErrorGeneral);
   const auto fontWorkgroupID = static_cast<int>(RecordInteger(font, kFP_WorkgroupIDKey));
   const bool isForAll = IsAllWorkgroupsSelected() || IsAllWorkgroups(fontWorkgroupID);
   std::uint32_t id = RecordDatabaseID(font);
@@ -179,7 +181,7 @@ int CoreAgentInterface::GetFontInfoByID(const FontRecord& font, FontOrSetInfoRec
     outRec.info = info;
     FontDataPreviouslyGottenFromDatabase::Add(id, outRec);
   }
-  return FacadeCall::ResultFromCode(code);
+  return trace.Return(FacadeCall::ResultFromCode(code));
 }
 
 int CoreAgentInterface::GetPostscriptNameByID(std::string& outName, long workgroupID,
@@ -211,13 +213,14 @@ int CoreAgentInterface::FindFontsInSameFamilyForActivation(const FontRecord& fon
                                                            const FontRecordArray& excluded,
                                                            long workgroupID,
                                                            const FontRecordArray& outFonts) {
+  const OperationTrace trace(__func__);
   if (!font || !outFonts) {
     OutputFormattedDebugString("*** ERROR: inFontRef and/or outFontsInFamily is NULL");
-    return kErrorGeneral;
+    return trace.Return(kErrorGeneral);
   }
   if (!RecordHas(font, kFP_AssignedFamilyGroupIDKey)) {
     OutputFormattedDebugString("*** ERROR: inFontRef does not include assigned family group ID");
-    return kErrorGeneral;
+    return trace.Return(kErrorGeneral);
   }
   FontIDs workgroupIDs;
   PopulateWorkgroupArray(workgroupID, workgroupIDs);
@@ -243,7 +246,7 @@ int CoreAgentInterface::FindFontsInSameFamilyForActivation(const FontRecord& fon
   }
   outFonts->Clear();
   if (family) outFonts->Values() = family->Values();
-  return 0;
+  return trace.Return(0);
 }
 
 std::map<std::uint32_t, bool> CoreAgentInterface::GetClientFontActivationStates(

@@ -2,6 +2,7 @@
 #include "coreagent/FacadeCall.h"
 #include "dialogs/TarnInterface.h"
 #include "facade/SkerryLoader.h"
+#include "foundation/PluginLog.h"
 #include "state/KestraneGlobals.h"
 
 namespace {
@@ -19,19 +20,21 @@ constexpr int kButtonPressed = 1;
 bool CoreAgentInterface::sLastLaunchFailed = false;
 
 int CoreAgentInterface::LaunchLarkspurAgentIfNeeded() {
+  const OperationTrace trace(__func__);
   const auto code = static_cast<std::uint32_t>(FindAndLaunchNodrix(nullptr));
   sLastLaunchFailed = code != 0;
   const bool isMissing =
       code == kPluginInterface_AgentNotFound || code == kPluginInterface_AgentNotFoundOlder;
-  return isMissing ? kAgentMissing : kLaunched;
+  return trace.Return(isMissing ? kAgentMissing : kLaunched);
 }
 
 int CoreAgentInterface::RelaunchLarkspurAgent() {
+  const OperationTrace trace(__func__);
   const int result = LaunchLarkspurAgentIfNeeded();
   if (result == kLaunched) {
     FacadeCall::WithoutInstance(&SkerryLoader::pfResetPluginFacadeInstance);
   }
-  return result;
+  return trace.Return(result);
 }
 
 bool CoreAgentInterface::AttemptRelaunchTryAgain() {

@@ -69,17 +69,18 @@ int CoreAgentInterface::GetAllWorkgroupsForUser(PropertyList::ArrayRef& outWorkg
                                                 bool addAllWorkgroupsEntry,
                                                 bool includeSpecialWorkgroups,
                                                 bool includeTypekitWorkgroup) {
+  const OperationTrace trace(__func__);
   PLArrayRef handle = nullptr;
   const std::uint32_t code =
       FacadeCall::WithInstance(&SkerryLoader::pfGetAllWorkgroupsForUser, &handle,
                                includeSpecialWorkgroups ? 1 : 0, includeTypekitWorkgroup ? 1 : 0);
   outWorkgroups = PropertyList::AdoptHandle(handle);
-  if (code != 0) return static_cast<int>(code);
+  if (code != 0) return trace.Return(static_cast<int>(code));
   for (std::size_t i = 0; i < CountOf(outWorkgroups); ++i) LocalizeWorkgroup(outWorkgroups, i);
   if (addAllWorkgroupsEntry && CountOf(outWorkgroups) > 0 && CanActivateFromAllWorkgroups()) {
     AppendAllWorkgroupsEntry(outWorkgroups);
   }
-  return 0;
+  return trace.Return(0);
 }
 
 void CoreAgentInterface::LocalizeWorkgroup(const PropertyList::ArrayRef& workgroups,

@@ -66,34 +66,36 @@ bool VersionsAreCompatible(std::string_view facadeVersion, std::string_view plug
 
 std::uint32_t FontManagerInterface::CompatibleFontManagerIsRunning(std::string* outBundleName,
                                                                    bool* outRunning) {
+  const OperationTrace trace(__func__);
   GScopedLock lock(FontManagerMutex(), true, new GBlockingLockStrategy);
   bool ignored = false;
   bool& running = outRunning ? *outRunning : ignored;
   running = false;
   if (FontManagerInterface* existing = GetFontManager()) {
     running = existing->IsRunning();
-    return running ? CoreErrorCodes::kSuccess : CoreErrorCodes::kUnknownError;
+    return trace.Return(running ? CoreErrorCodes::kSuccess : CoreErrorCodes::kUnknownError);
   }
 
   Facade facade;
   const std::uint32_t code = FindFacade(facade);
-  if (!facade.isLoaded) return code;
+  if (!facade.isLoaded) return trace.Return(code);
   sm_pFontManager.store(std::make_unique<CoreAgentInterface>().release(),
                         std::memory_order_release);
   FontManagerInterface& fontManager = *GetFontManager();
   NameEdition(fontManager, outBundleName);
   running = fontManager.IsRunning();
-  if (!running) return code;
-  if (!fontManager.IsLoggedIn()) return kFontManagerNotLoggedIn;
+  if (!running) return trace.Return(code);
+  if (!fontManager.IsLoggedIn()) return trace.Return(kFontManagerNotLoggedIn);
   const std::string pluginVersion = KestraneGlobals::GetPluginVersion();
   OutputFormattedDebugString("Skerry at location '%s' is version '%s' and plugin version is '%s'",
                              facade.location.c_str(), facade.version.c_str(),
                              pluginVersion.c_str());
   running = VersionsAreCompatible(facade.version, pluginVersion);
-  return CoreErrorCodes::kSuccess;
+  return trace.Return(CoreErrorCodes::kSuccess);
 }
 
 void FontManagerInterface::OnHostAppShuttingDown(bool showProgress) {
+  const OperationTrace trace(__func__);
   GScopedLock lock(FontManagerMutex(), true, new GBlockingLockStrategy);
   const TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
   FontActivationTracker* tracker = KestraneGlobals::GetExistingFontActivationTracker();

@@ -212,13 +212,14 @@ constexpr Response kResponses[] = {
 }  // namespace
 
 int CoreAgentPluginNotification::Respond() {
-  if (!FontManagerInterface::GetFontManager()) return kErrorGeneral;
+  const OperationTrace trace(__func__);
+  if (!FontManagerInterface::GetFontManager()) return trace.Return(kErrorGeneral);
   for (const Response& response : kResponses) {
     const PropertyList::Value* value = dictionary->Find(response.key);
     if (value && value->AsBool()) {
       response.respond(dictionary);
-      return 0;
+      return trace.Return(0);
     }
   }
-  return 0;
+  return trace.Return(0);
 }

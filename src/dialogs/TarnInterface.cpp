@@ -96,6 +96,7 @@ TarnInterface::TarnInterface(const std::optional<std::string>& hostApp,
 TarnInterface::~TarnInterface() { DestroyFramework(); }
 
 void TarnInterface::InitializeFramework(const std::optional<std::string>& bundleIdentifier) {
+  const OperationTrace trace(__func__);
   if (mInitialized) return;
   mStatus = eNotSearched;
   mTable = std::make_unique<TarnFunctionTable>();
@@ -122,6 +123,7 @@ void TarnInterface::InitializeFramework(const std::optional<std::string>& bundle
 }
 
 void TarnInterface::DestroyFramework() {
+  const OperationTrace trace(__func__);
   mTable.reset();
   mInitialized = false;
 }

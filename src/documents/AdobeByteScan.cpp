@@ -105,6 +105,7 @@ void GetFontNamesFromNonXMPSectionOfAdobeDocument(const char* path,
 }
 
 FontRecordArray CreateFontArrayFromNonXMPSectionOfAdobeDocument(const char* path) {
+  const OperationTrace trace(__func__);
   std::vector<std::string> names;
   GetFontNamesFromNonXMPSectionOfAdobeDocument(path, names);
   FontRecordArray fonts = FaceprintSupport::CreateFontArrayFromVectorOfPostscriptNames(names);

@@ -73,13 +73,16 @@ int LaunchNodrixFrom(const GFileSystemSpec& systemFolder, const GFileSystemSpec&
 }
 
 int FindAndLaunchNodrix(std::string* outFolder) {
-  return LaunchNodrixFrom(GFileSystem::OSGetSystemAppDataDirectory(),
-                          GFileSystem::OSGetUsersRoamingAppDataDirectory(), outFolder);
+  const OperationTrace trace(__func__);
+  const GFileSystemSpec user = GFileSystem::OSGetUsersRoamingAppDataDirectory();
+  return trace.Return(
+      LaunchNodrixFrom(GFileSystem::OSGetSystemAppDataDirectory(), user, outFolder));
 }
 
 int LaunchAndWaitForResult(const std::string& path, const std::vector<std::string>& arguments) {
+  const OperationTrace trace(__func__);
   const int status = Platform::Current().GetProcess().LaunchAndWait(path, arguments);
   OutputFormattedDebugString("%s(%s) returning %d", __func__, CommandLine(path, arguments).c_str(),
                              status);
-  return status;
+  return trace.Return(status);
 }

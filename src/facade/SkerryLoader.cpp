@@ -55,6 +55,7 @@ SkerryLoader::~SkerryLoader() {
 }
 
 void SkerryLoader::Load() {
+  const OperationTrace trace(__func__);
   const std::shared_ptr<Bundle> bundle = FindLibrary();
   if (!bundle) return;
   versionString = bundle->Value("CFBundleShortVersionString").value_or("");

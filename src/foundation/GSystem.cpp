@@ -7,14 +7,17 @@
 
 namespace {
 
-GMutex& SocketsMutex() {
-  static GMutex& mutex = *new GMutex;
-  return mutex;
+struct SocketUsers {
+  GMutex mutex;
+  int s_nInitCount = 0;
+};
+
+SocketUsers& GetSocketUsers() {
+  static SocketUsers& users = *new SocketUsers;
+  return users;
 }
 
 }  // namespace
-
-int GSystem::s_nInitCount = 0;
 
 bool GSystem::IsMacOSX() {
   static const ESystem system = OSGetSystem();
@@ -34,27 +37,30 @@ bool GSystem::IsWindows64() {
 bool GSystem::IsBigEndian() { return std::endian::native == std::endian::big; }
 
 TModuleErrorCode GSystem::InitializeSockets() {
-  const GScopedLock lock(SocketsMutex());
-  if (s_nInitCount == 0) G_CHECK_CALL(OSInitializeSockets());
-  s_nInitCount += 1;
+  SocketUsers& users = GetSocketUsers();
+  const GScopedLock lock(users.mutex);
+  if (users.s_nInitCount == 0) G_CHECK_CALL(OSInitializeSockets());
+  users.s_nInitCount += 1;
   return 0;
 }
 
 TModuleErrorCode GSystem::UninitializeSockets() {
-  const GScopedLock lock(SocketsMutex());
-  s_nInitCount -= 1;
-  if (s_nInitCount < 0) {
-    s_nInitCount = 0;
+  SocketUsers& users = GetSocketUsers();
+  const GScopedLock lock(users.mutex);
+  users.s_nInitCount -= 1;
+  if (users.s_nInitCount < 0) {
+    users.s_nInitCount = 0;
     WriteErrorRecord(1, __FILE__, __LINE__, "s_nInitCount < 0", CoreErrorCodes::kNotInitialized);
     return CoreErrorCodes::kNotInitialized;
   }
-  if (s_nInitCount == 0) G_CHECK_CALL(OSUninitializeSockets());
+  if (users.s_nInitCount == 0) G_CHECK_CALL(OSUninitializeSockets());
   return 0;
 }
 
 bool GSystem::AreSocketsInitialized() {
-  const GScopedLock lock(SocketsMutex());
-  return s_nInitCount > 0;
+  SocketUsers& users = GetSocketUsers();
+  const GScopedLock lock(users.mutex);
+  return users.s_nInitCount > 0;
 }
 
 TModuleErrorCode GSystem::GetPrimaryMACAddress(std::string& address) {

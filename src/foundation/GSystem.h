@@ -108,6 +108,4 @@ class GSystem {
  private:
   static TModuleErrorCode OSInitializeSockets();
   static TModuleErrorCode OSUninitializeSockets();
-
-  static int s_nInitCount;
 };

@@ -42,3 +42,25 @@ inline void OutputIndentedAndFormattedString(int indentChange, const char* forma
     __attribute__((format(printf, 2, 3)));
 inline void OutputIndentedAndFormattedString(int, const char*, ...) {}
 #endif
+
+// Traces a main operation over its scope: "Entering NAME()", "Exiting NAME()" and, for results that
+// are given through it, "NAME() returns 0". Nothing in a normal build.
+class [[maybe_unused]] OperationTrace {
+ public:
+  // `name` is lent: __func__.
+  explicit OperationTrace(const char* name) : mName(name) {
+    OutputIndentedAndFormattedString(1, "Entering %s()", mName);
+  }
+  ~OperationTrace() { OutputIndentedAndFormattedString(-1, "Exiting %s()", mName); }
+  OperationTrace(const OperationTrace&) = delete;
+  OperationTrace& operator=(const OperationTrace&) = delete;
+
+  template <typename Result>
+  Result Return(Result result) const {
+    OutputIndentedAndFormattedString(0, "%s() returns %lld", mName, static_cast<long long>(result));
+    return result;
+  }
+
+ private:
+  const char* mName;
+};

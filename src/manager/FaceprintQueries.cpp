@@ -43,10 +43,12 @@ bool EndsLadder(int error, const FontRecordArray& candidates) {
 int FontManagerInterface::GetFaceprintData(const FontRecord& sourceFont, int nameType,
                                            bool* outExcludedRemote, long workgroupID,
                                            FontRecordArray& ioCandidates) {
-  if (nameType != kPostScriptFontName && nameType != kFamilyFontName) return kErrorGeneral;
+  const OperationTrace trace(__func__);
+  if (nameType != kPostScriptFontName && nameType != kFamilyFontName)
+    return trace.Return(kErrorGeneral);
   const char* key = nameType == kFamilyFontName ? kFP_FamilyKey : kFP_PostScriptNameKey;
   const std::string* found = sourceFont ? sourceFont->GetString(key) : nullptr;
-  if (!found || !ioCandidates) return kErrorGeneral;
+  if (!found || !ioCandidates) return trace.Return(kErrorGeneral);
 
   const std::string name = *found;
   int error = kErrorGeneral;
@@ -59,7 +61,7 @@ int FontManagerInterface::GetFaceprintData(const FontRecord& sourceFont, int nam
                                static_cast<int>(CountOf(ioCandidates)), name.c_str());
     FaceprintSupport::SortByBestMatch(ioCandidates, sourceFont);
   }
-  return error;
+  return trace.Return(error);
 }
 
 int FontManagerInterface::ClimbNameLadder(const std::string& name, TypeOfFontName nameType,
@@ -100,11 +102,12 @@ int FontManagerInterface::GetFaceprintDataForFontName(const std::optional<std::s
                                                       TypeOfFontName nameType,
                                                       bool* outExcludedRemote, long workgroupID,
                                                       FontRecordArray& outCandidates) {
-  if (!name || !outCandidates) return kErrorBadArgument;
+  const OperationTrace trace(__func__);
+  if (!name || !outCandidates) return trace.Return(kErrorBadArgument);
   long count = 0;
   int error = CountNamedFonts(*name, nameType, workgroupID, count, std::string());
-  if (error != 0 || count == 0) return AsShort(error);
-  if (count < 0) return 0;
+  if (error != 0 || count == 0) return trace.Return(AsShort(error));
+  if (count < 0) return trace.Return(0);
 
   FontRecordArray candidates;
   std::vector<char> buffer(kSlugBufferSize);
@@ -128,7 +131,7 @@ int FontManagerInterface::GetFaceprintDataForFontName(const std::optional<std::s
   }
   if (candidates) outCandidates = candidates;
   EndGetFaceprintInfo(*name);
-  return AsShort(error);
+  return trace.Return(AsShort(error));
 }
 
 // One record by way of its text form, so that the caller owns what it gets. Null if there is none.

@@ -64,14 +64,15 @@ bool FontManagerInterface::AutoActivationIsReady() {
 }
 
 bool FontManagerInterface::CheckSelectWorkgroup() {
+  const OperationTrace trace(__func__);
   KestraneGlobals::SetUserHasWorkgroups(true);
-  if (GetValidWorkgroupSelected()) return true;
-  if (!KestraneGlobals::ArePluginServicesEnabled()) return false;
+  if (GetValidWorkgroupSelected()) return trace.Return(true);
+  if (!KestraneGlobals::ArePluginServicesEnabled()) return trace.Return(false);
   const TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
-  if (!tarn || !tarn->GetEnabledAutoActivationPref()) return false;
+  if (!tarn || !tarn->GetEnabledAutoActivationPref()) return trace.Return(false);
   FontManagerInterface* fontManager = GetFontManager();
-  if (!fontManager) return false;
-  if (!fontManager->IsLoggedIn() && !fontManager->RunningStandalone()) return false;
+  if (!fontManager) return trace.Return(false);
+  if (!fontManager->IsLoggedIn() && !fontManager->RunningStandalone()) return trace.Return(false);
 
   if (sSelectWorkgroupInProgress) {
     OutputFormattedDebugString(
@@ -79,7 +80,7 @@ bool FontManagerInterface::CheckSelectWorkgroup() {
   } else {
     fontManager->HandleSelectWorkgroup();
   }
-  return KestraneGlobals::ArePluginServicesEnabled();
+  return trace.Return(KestraneGlobals::ArePluginServicesEnabled());
 }
 
 int FontManagerInterface::SetDefaultWorkgroupID(int id) {
@@ -168,6 +169,7 @@ bool FontManagerInterface::IsAllWorkgroupsSelected() {
 }
 
 void FontManagerInterface::InitializeDefaultWorkgroup() {
+  const OperationTrace trace(__func__);
   if (!IsRunning()) {
     OutputFormattedDebugString("Exiting because FontManager is not running.");
     return;
@@ -190,6 +192,7 @@ void FontManagerInterface::InitializeDefaultWorkgroup() {
 }
 
 void FontManagerInterface::HandleSelectWorkgroup() {
+  const OperationTrace trace(__func__);
   if (sSelectWorkgroupInProgress) {
     OutputFormattedDebugString(
         "*** FontManagerInterface::HandleSelectWorkgroup -- OOPS, Select Workgroup dialog is "

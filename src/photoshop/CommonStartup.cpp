@@ -123,22 +123,25 @@ void StartupRun::CheckWorkgroups() {
 }  // namespace
 
 TModuleErrorCode Startup(bool allowDialogs) {
+  const OperationTrace trace(__func__);
   const GScopedLock lock(sMutex(), true, new GBlockingLockStrategy);
   if (++numberOfTimesStartupMethodHasBeenCalled > 1) {
     OutputFormattedDebugString("Early return from %s() because it has been called %d times",
                                __func__, numberOfTimesStartupMethodHasBeenCalled);
-    return CoreErrorCodes::kUnknownError;
+    return trace.Return(CoreErrorCodes::kUnknownError);
   }
-  return StartupRun(allowDialogs).Run();
+  return trace.Return(StartupRun(allowDialogs).Run());
 }
 
 TModuleErrorCode Shutdown() {
+  const OperationTrace trace(__func__);
   const GScopedLock lock(sMutex(), true, new GBlockingLockStrategy);
-  if (++numberOfTimesShutdownMethodHasBeenCalled > 1) return CoreErrorCodes::kUnknownError;
+  if (++numberOfTimesShutdownMethodHasBeenCalled > 1)
+    return trace.Return(CoreErrorCodes::kUnknownError);
   FontManagerInterface::OnHostAppShuttingDown(false);
   KestraneGlobals::CleanUpOnShutdown();
   StopLogging();
-  return 0;
+  return trace.Return(0);
 }
 
 }  // namespace CommonFunctionality

@@ -78,6 +78,7 @@ bool IsRecordAlive(const OneTrackedDocument* document) {
 }
 
 void HandleOpenedDocument(const std::string& path, bool silently) {
+  const OperationTrace trace(__func__);
   const TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
   if (!FontManagerInterface::GetFontManager() || !tarn || !tarn->IsValid()) return;
   int numFontsActivated = 0;
@@ -93,6 +94,7 @@ void HandleOpenedDocument(const std::string& path, bool silently) {
 }
 
 void HandleClosedDocument() {
+  const OperationTrace trace(__func__);
   const auto& documents = AllTrackedDocuments::GetDocumentList();
   std::size_t index = 0;
   while (index < documents.size()) {
@@ -109,6 +111,7 @@ void HandleClosedDocument() {
 }
 
 void DetectAndHandleNewlyOpenedDocuments(bool silently) {
+  const OperationTrace trace(__func__);
   if (gOpenDocumentCallCounter != 0) return;
   const OpenDocumentCall call;
   std::vector<std::string> paths;

@@ -72,6 +72,7 @@ void CatchUpWithOpenEvent(OneTrackedDocument& document, const std::string& path)
 }
 
 void HandleOpenEvent(PIActionDescriptor descriptor) {
+  const OperationTrace trace(__func__);
   if (!FontManagerInterface::AutoActivationIsReady()) return;
   const std::string path = PathOfOpenedFile(descriptor);
   OneTrackedDocument* document = AllTrackedDocuments::FindTrackedDocumentByPath(path);
@@ -89,6 +90,7 @@ void HandleOpenEvent(PIActionDescriptor descriptor) {
 }
 
 void HandleMakeEvent(PIActionDescriptor descriptor) {
+  const OperationTrace trace(__func__);
   if (!FontManagerInterface::AutoActivationIsReady()) return;
   OwnedDescriptor made;
   DescriptorClassID type = 0;
@@ -144,6 +146,7 @@ void TrackSavedDocument(const std::string& path) {
 }
 
 void HandleSaveEvent(PIActionDescriptor descriptor) {
+  const OperationTrace trace(__func__);
   static int sNumberOfSaveEventsHandled = 0;
   ++sNumberOfSaveEventsHandled;
   std::string path;

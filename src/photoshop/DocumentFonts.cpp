@@ -8,6 +8,7 @@
 #include "documents/AdobeByteScan.h"
 #include "fontmanager/FontManagerInterface.h"
 #include "fonts/FontMerging.h"
+#include "foundation/PluginLog.h"
 #include "photoshop/DocumentActivation.h"
 #include "state/HostAppInterface.h"
 #include "state/KestraneGlobals.h"
@@ -115,20 +116,22 @@ void Activation::Finish(bool bOpeningNewDocument) {
 
 int ActivateFontsForDocument(bool bOpeningNewDocument, int& numFontsActivated,
                              const std::string& path, OneTrackedDocument* document) {
+  const OperationTrace trace(__func__);
   numFontsActivated = 0;
   FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
   TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
   if (!document || !fontManager || !tarn || !FontManagerInterface::AutoActivationIsReady()) {
-    return kActivationResult;
+    return trace.Return(kActivationResult);
   }
   if (bOpeningNewDocument && document->GetIdentifier().empty()) {
     document->SetIdentifier(FontActivationTracker::GenerateUniqueIdentifier());
   }
   Activation activation(*tarn, *fontManager, *document);
-  if (!activation.Sort(path, bOpeningNewDocument)) return kActivationResult;
+  if (!activation.Sort(path, bOpeningNewDocument)) return trace.Return(kActivationResult);
   activation.LetUserResolve();
-  if (!activation.RecordIsAlive()) return kActivationResult;
-  if (!activation.Open(numFontsActivated) || !activation.RecordIsAlive()) return kActivationResult;
+  if (!activation.RecordIsAlive()) return trace.Return(kActivationResult);
+  if (!activation.Open(numFontsActivated) || !activation.RecordIsAlive())
+    return trace.Return(kActivationResult);
   activation.Finish(bOpeningNewDocument);
-  return kActivationResult;
+  return trace.Return(kActivationResult);
 }

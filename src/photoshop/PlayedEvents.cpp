@@ -76,28 +76,32 @@ SPErr PlayByName(const char* eventName) {
 }  // namespace
 
 OSErr PlayeventClose() {
+  const OperationTrace trace(__func__);
   ShowIndeterminateProgress();
   OwnedDescriptor parameters;
-  if (const SPErr error = sPSActionDescriptor->Make(parameters.Out())) return ShortError(error);
+  if (const SPErr error = sPSActionDescriptor->Make(parameters.Out()))
+    return trace.Return(ShortError(error));
   if (const SPErr error =
           sPSActionDescriptor->PutEnumerated(parameters.Get(), keySaving, typeYesNo, enumNo)) {
-    return ShortError(error);
+    return trace.Return(ShortError(error));
   }
-  return ShortError(PlaySilently(eventClose, parameters.Get()));
+  return trace.Return(ShortError(PlaySilently(eventClose, parameters.Get())));
 }
 
 OSErr PlayeventOpen(const std::string& path) {
+  const OperationTrace trace(__func__);
   struct ProgressEnd {
     ~ProgressEnd() { HideIndeterminateProgress(); }
   } progressEnd;
   // The host's alias suite takes paths of the file system, which are UTF-8 here.
-  return ShortError(PlayOpenOfFile(MacRomanToUtf8(path)));
+  return trace.Return(ShortError(PlayOpenOfFile(MacRomanToUtf8(path))));
 }
 
 OSErr PlayreplaceSubstitutes() {
-  if (!GetReplaceSubstitutes()) return 0;
+  const OperationTrace trace(__func__);
+  if (!GetReplaceSubstitutes()) return trace.Return<OSErr>(0);
   PlayByName("updateLayouts");
-  return ShortError(PlayByName("replaceSubstitutes"));
+  return trace.Return(ShortError(PlayByName("replaceSubstitutes")));
 }
 
 bool CanReplaceSubstitutes() { return true; }

@@ -144,7 +144,8 @@ void FreeGlobals(SPMessageData* message) {
 }  // namespace
 
 SPErr StartupPlugin(SPMessageData* message) {
-  if (sNumberOfTimesStartupPluginHasBeenCalled++ > 0) return 0;
+  const OperationTrace trace(__func__);
+  if (sNumberOfTimesStartupPluginHasBeenCalled++ > 0) return trace.Return(0);
   SPErr result = 0;
   {
     BlocksSuite blocks;
@@ -155,21 +156,22 @@ SPErr StartupPlugin(SPMessageData* message) {
       OutputSimpleDebugString("StartupPlugin, after catching an error\n");
     }
   }
-  if (gNotifierOn) return result;
-  if (const SPErr error = RegisterNotifiers()) return error;
+  if (gNotifierOn) return trace.Return(result);
+  if (const SPErr error = RegisterNotifiers()) return trace.Return(error);
   gNotifierOn = true;
-  return 0;
+  return trace.Return(0);
 }
 
 SPErr ShutdownPlugin(SPMessageData* message) {
+  const OperationTrace trace(__func__);
   try {
     KestraneGlobals::SetSuppressingHostAppDialogs(false);
     FontManagerInterface::OnHostAppShuttingDown(false);
     KestraneGlobals::CleanUpOnShutdown();
     FreeGlobals(message);
-    return gNotifierOn ? RemoveNotifiers() : 0;
+    return trace.Return(gNotifierOn ? RemoveNotifiers() : 0);
   } catch (...) {
-    return ValueOfThrownError();
+    return trace.Return(ValueOfThrownError());
   }
 }
 
