@@ -33,7 +33,7 @@ constexpr std::size_t kBuckets = 64;
 // Cheap, and the same in either case.
 std::size_t BucketOf(std::string_view identifier) {
   if (identifier.empty()) return 0;
-  const auto lower = [](char c) { return static_cast<unsigned char>(c) | 0x20U; };
+  const auto lower = [](char c) { return std::size_t{static_cast<unsigned char>(c)} | 0x20U; };
   return (identifier.size() * 13 + lower(identifier.front()) * 7 + lower(identifier.back())) %
          kBuckets;
 }

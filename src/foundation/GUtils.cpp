@@ -28,8 +28,7 @@ void InitTimedCondition(pthread_cond_t& condition) {
   pthread_condattr_destroy(&attributes);
 }
 
-void Assert(bool holds, const char* expression) {
-  if (holds) return;
+void FailAssertion(const char* expression) {
   std::fprintf(stderr, "ASSERTION FAILED:  %s\n", expression);
   OutputFormattedDebugString("ASSERTION FAILED:  %s", expression);
   std::abort();

@@ -26,9 +26,13 @@ class Guard {
   pthread_mutex_t& mMutex;
 };
 
+[[noreturn]] void FailAssertion(const char* expression);
+
 // Ends the process for an error of the caller, in every kind of build; never for an error of data.
 // `expression` is what should have held: standard error and the plug-in log get it first.
 // [any-thread]
-void Assert(bool holds, const char* expression);
+inline void Assert(bool holds, const char* expression) {
+  if (!holds) FailAssertion(expression);
+}
 
 }  // namespace GUtils

@@ -141,7 +141,7 @@ TModuleErrorCode Shutdown() {
   FontManagerInterface::OnHostAppShuttingDown(false);
   KestraneGlobals::CleanUpOnShutdown();
   StopLogging();
-  return trace.Return(0);
+  return trace.Return(CoreErrorCodes::kSuccess);
 }
 
 }  // namespace CommonFunctionality
