@@ -3,6 +3,7 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_FONT_FORMATS_H
+#include FT_MODULE_H
 #include FT_MULTIPLE_MASTERS_H
 #include FT_TRUETYPE_TABLES_H
 #include FT_TRUETYPE_TAGS_H
@@ -14,6 +15,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "agent/BoundedFontMemory.h"
 #include "agent/FontKind.h"
 #include "agent/FontStream.h"
 #include "agent/NameTable.h"
@@ -148,9 +150,9 @@ std::string AddFace(FT_Library library, FT_Face face, FontFileInfo& file) {
   const bool isType1 = format != nullptr && std::string_view(format) == "Type 1";
   if (!isType1 && !FT_IS_SFNT(face)) return "not a font of a kind that can be used";
   const char* name = FT_Get_Postscript_Name(face);
-  if (name == nullptr || *name == 0) return "no PostScript name";
   FaceInfo info;
-  info.postScriptName = isType1 ? PlainText(name) : name;
+  if (name != nullptr) info.postScriptName = isType1 ? PlainText(name) : name;
+  if (info.postScriptName.empty()) return "no PostScript name";
   info.faceIndex = static_cast<std::int32_t>(face->face_index & 0xFFFF);
   isType1 ? DescribeType1(face, info) : DescribeSfnt(face, info);
   if (info.family.empty()) info.family = info.postScriptName;
@@ -169,14 +171,16 @@ std::string Reason(FT_Error failure, const FontStream& stream) {
 }  // namespace
 
 struct FontFileReader::Library {
+  BoundedFontMemory memory;
   FT_Library library = nullptr;
   ~Library() {
-    if (library != nullptr) FT_Done_FreeType(library);
+    if (library != nullptr) FT_Done_Library(library);
   }
 };
 
 FontFileReader::FontFileReader() : mLibrary(std::make_unique<Library>()) {
-  if (FT_Init_FreeType(&mLibrary->library) != 0) mLibrary->library = nullptr;
+  if (FT_New_Library(mLibrary->memory.Get(), &mLibrary->library) != 0) return;
+  FT_Add_Default_Modules(mLibrary->library);
 }
 
 FontFileReader::~FontFileReader() = default;
@@ -195,6 +199,7 @@ FontFileInfo FontFileReader::Read(const std::string& path) {
     file.error = "out of memory";
     return file;
   }
+  mLibrary->memory.SetFileSize(stream->Size());
   FT_Open_Args arguments{};
   arguments.flags = FT_OPEN_STREAM;
   arguments.stream = stream->Stream();
