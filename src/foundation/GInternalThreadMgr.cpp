@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "foundation/GScopedLock.h"
-#include "foundation/GThread.h"
 
 GInternalThreadMgr* GInternalThreadMgr::GetSharedInstance() {
   return GSingleton<GInternalThreadMgr>::GetSharedInstance();
@@ -25,14 +24,14 @@ void GInternalThreadMgr::Remove(const GThread* thread) {
   std::erase(mThreads, thread);
 }
 
-GThread* GInternalThreadMgr::FindCurrent() {
+GThread* GInternalThreadMgr::FindHighest(std::uint64_t (*rank)(GThread& thread)) {
   const GScopedLock lock(mMutex);
   GThread* found = nullptr;
-  std::uint64_t latest = 0;
+  std::uint64_t highest = 0;
   for (GThread* thread : mThreads) {
-    const std::uint64_t run = thread->GetRunOnThisThread();
-    if (run > latest) {
-      latest = run;
+    const std::uint64_t ranked = rank(*thread);
+    if (ranked > highest) {
+      highest = ranked;
       found = thread;
     }
   }

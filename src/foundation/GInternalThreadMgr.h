@@ -22,7 +22,8 @@ class GInternalThreadMgr {
   std::string MakeName();
   void Add(GThread* thread);
   void Remove(const GThread* thread);
-  GThread* FindCurrent();
+  // Null if all rank 0. Other threads wait meanwhile.
+  GThread* FindHighest(std::uint64_t (*rank)(GThread& thread));
 
   GRecursiveMutex mMutex;
   std::vector<GThread*> mThreads;

@@ -172,5 +172,6 @@ bool GThread::AreThreadsEqual(void* a, void* b) {
 }
 
 GThread* GThread::GetCurrentThreadObject() {
-  return GInternalThreadMgr::GetSharedInstance()->FindCurrent();
+  return GInternalThreadMgr::GetSharedInstance()->FindHighest(
+      [](GThread& thread) { return thread.GetRunOnThisThread(); });
 }

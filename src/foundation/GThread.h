@@ -68,8 +68,6 @@ class GThread {
   static const char* GetMainThreadName() { return "Main Thread"; }
 
  private:
-  friend class GInternalThreadMgr;
-
   // Posix thread function.
   static void* PthreadInternal(void* object);
   // Begins a new run. The lock is held, if perhaps not throughout: a run that has reached its last

@@ -12,6 +12,7 @@
 #include "foundation/ErrorChecks.h"
 #include "foundation/GFileSystem.h"
 #include "foundation/GStopCallback.h"
+#include "foundation/linux/PendingEntry.h"
 #include "foundation/linux/SystemErrors.h"
 
 namespace {

@@ -9,6 +9,7 @@
 #include "foundation/GFileSystem.h"
 #include "foundation/linux/FileCopy.h"
 #include "foundation/linux/FolderWalk.h"
+#include "foundation/linux/PendingEntry.h"
 #include "foundation/linux/SystemErrors.h"
 
 namespace {
