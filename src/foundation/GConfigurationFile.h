@@ -3,8 +3,8 @@
 // key, so a value may hold more of them. Blanks at both ends of key and value are dropped. Keys
 // come back in lower case, and the last of several lines with one key counts. [any-thread]
 //
-// A line without "=", or with nothing before it, is logged as a warning, as it came, and skipped:
-// it is no error. All other bytes, zero bytes too, pass as they are.
+// A line without "=", or with nothing before it, is logged as a warning, as it came (to a zero
+// byte), and skipped: it is no error. All other bytes, zero bytes too, pass as they are.
 #pragma once
 
 #include <map>

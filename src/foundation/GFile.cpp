@@ -79,6 +79,8 @@ TModuleErrorCode GFile::Open(const GFileSystemSpec& spec, int mode) {
 
 TModuleErrorCode GFile::OpenResourceFork(const GFileSystemSpec& spec, int mode) {
   const std::string suffix = OSGetResourceForkSuffix();
+  if (IsOpen()) G_CHECK_CALL(Close());
+  mSpec = spec;
   G_CHECK_CONDITION(suffix.empty(), (mode & eRead) != 0 ? GFileSystem::kFileNotFound : kOpenFailed);
   return Open(spec.GetPath() + suffix, mode);
 }
@@ -129,8 +131,8 @@ TModuleErrorCode GFile::SetFilePosition(EPosition origin, unsigned long long off
 
 TModuleErrorCode GFile::GetFilePosition(unsigned long long& position) {
   G_CHECK_OPEN();
-  const long told = std::ftell(mpFile);
-  G_CHECK_CONDITION(told < 0, CoreErrorCodes::kError);
+  long told = 0;
+  G_CHECK_CONDITION((told = ftell(mpFile)) < 0, CoreErrorCodes::kError);
   position = static_cast<unsigned long long>(told);
   return 0;
 }

@@ -58,8 +58,9 @@ class GFileSystem {
   static TModuleErrorCode OSDeleteFile(const GFileSystemSpec& spec);
   // Without `recursive`, kDirectoryNotEmpty unless it is empty. With it all that is in the folder
   // goes first, up to the first entry that can't; a link inside goes, not what it leads to, also
-  // when it takes a folder's place meanwhile. A link in place of the folder is no folder
-  // (kDirectoryNotFound), and "/" is refused (kInvalidPath). Any depth; a few descriptors.
+  // when it takes a folder's place meanwhile. What is mounted there stays (kFileIsLocked). A link
+  // in place of the folder is no folder (kDirectoryNotFound), and "/" is refused (kInvalidPath).
+  // Any depth; a few descriptors.
   static TModuleErrorCode OSDeleteDirectory(const GFileSystemSpec& spec, bool recursive);
 
   // Copy, move. The destination must not exist (kFileOrDirectoryAlreadyExists), its folder must
@@ -81,7 +82,8 @@ class GFileSystem {
                                           GStopCallback* stop = nullptr);
   // A rename; to another file system a copy that is on the disk before the source is deleted. A
   // link moves itself. kMoveFailed for what has no code above. If the source of a copy can't be
-  // deleted, a file's copy is withdrawn; a folder's stays, since part of the source may be gone.
+  // deleted, or is no longer what was copied, a file's copy is withdrawn; a folder's stays, since
+  // part of the source may be gone. What is put into a folder while it is copied goes with it.
   static TModuleErrorCode OSMoveFile(const GFileSystemSpec& source,
                                      const GFileSystemSpec& destination);
   // A link to a folder is a file here (kDirectoryNotFound).
@@ -90,18 +92,19 @@ class GFileSystem {
 
   // Puts the bytes in place of a file, or makes it, so that a half-written one never stands: they
   // are on the disk before they take its name, and whatever fails, the old file stays. A link stays
-  // a link, and what it leads to is replaced. The permissions stay those of the old file; a new one
-  // is for this user alone. kInvalidPath for what is no regular file. Of several writers the last
-  // one wins.
+  // a link, and what it leads to is replaced; a hard link elsewhere keeps the old contents. Owner,
+  // group and permissions stay those of the old file, which may be read-only; if they can't, it is
+  // not replaced. A new one is for this user alone. kInvalidPath for what is no regular file and
+  // for a link that leads nowhere. Of several writers the last one wins.
   static TModuleErrorCode OSReplaceFile(const GFileSystemSpec& spec,
                                         std::span<const unsigned char> bytes);
 
   // Enumerate.
 
   // Every entry, a folder before what is in it, those of one folder in the order of their bytes.
-  // Links to folders are told, not entered. A name that is no UTF-8 is skipped and recorded
-  // (kCouldNotDecodeInput), and the run goes on. A folder inside that can't be read is recorded
-  // too, and the run goes on, but ends with its code, since something is missing.
+  // Links to folders are told, not entered. A name that is no UTF-8, and a folder inside that can't
+  // be read, are recorded and skipped; the run goes on, but ends with the first such code
+  // (kCouldNotDecodeInput for a name), since something is missing.
   static TModuleErrorCode OSEnumFolderContents(const GFileSystemSpec& spec,
                                                GEnumFolderContentsCallback& callback,
                                                bool recursive);
@@ -132,7 +135,8 @@ class GFileSystem {
   static GFileSystemSpec OSGetUsersAppDataDirectory();         // $XDG_DATA_HOME, or ~/.local/share
   static GFileSystemSpec OSGetUsersAppSupportDirectory();      // the same
   static GFileSystemSpec OSGetUsersRoamingAppDataDirectory();  // $XDG_CONFIG_HOME, or ~/.config
-  static GFileSystemSpec OSGetUsersLogDirectory();   // $XDG_STATE_HOME/vendrel, or ~/.local/state
+  static GFileSystemSpec
+  OSGetUsersLogDirectory();  // $XDG_STATE_HOME/vendrel, or below ~/.local/state
   static GFileSystemSpec OSGetUsersRootDirectory();  // $HOME, or the home that the system knows
   // As user-dirs.dirs in the folder of configurations says; ~/Desktop and ~/Documents else.
   static GFileSystemSpec OSGetDesktopDirectory();

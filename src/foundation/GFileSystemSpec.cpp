@@ -52,8 +52,8 @@ std::string GFileSystemSpec::GetPathExtension() const {
 void GFileSystemSpec::RemovePathExtension() {
   const std::string_view name = LastComponentOf(mPath);
   const std::size_t dot = name.rfind('.');
-  // Without its ending ".profile" would have no name.
-  if (dot == std::string_view::npos || dot == 0) return;
+  // Without its ending ".profile" would have no name, and "..." would be a way up.
+  if (dot == std::string_view::npos || name.find_first_not_of('.') >= dot) return;
   mPath.resize(mPath.size() - (name.size() - dot));
 }
 

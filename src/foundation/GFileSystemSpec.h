@@ -12,7 +12,7 @@ class GFileSystemSpec {
   // Expands "~", "." and ".." first (GFileSystem::OSExpandPath). What is no full path then, a
   // relative path for instance, leaves it empty and is recorded; an empty text is legal.
   GFileSystemSpec(const std::string& path);  // NOLINT(google-explicit-constructor): a path value
-  GFileSystemSpec(const char* path) : GFileSystemSpec(std::string(path)) {}
+  GFileSystemSpec(const char* path) : GFileSystemSpec(std::string(path ? path : "")) {}
 
   static const GFileSystemSpec& GetEmptyFileSpec();
 
@@ -27,7 +27,7 @@ class GFileSystemSpec {
   // The text after the last "." of the last component, "profile" of ".profile"; empty if there is
   // none.
   std::string GetPathExtension() const;
-  // With its "."; a name that begins with its only "." stays, since nothing would be left of it.
+  // With its "."; a name stays that would have nothing, or only dots, left.
   void RemovePathExtension();
   std::vector<std::string> GetPathComponents() const;
   // Is `candidate` longer than this path, and does it begin with it? By text, so that "/fonts2" is

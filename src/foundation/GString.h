@@ -6,8 +6,8 @@
 
 namespace GString {
 
-// UTF-32 in host order to UTF-8. A negative value, a surrogate or a value above 0x10FFFF fails as a
-// whole: empty text.
+// UTF-32 in host order to UTF-8. A surrogate or a value above 0x10FFFF fails as a whole: empty
+// text.
 std::string OSUnicodeToUtf8(std::u32string_view text);
 // UTF-16 big-endian bytes to UTF-8, without a byte order mark. An odd length or a lone surrogate
 // fails as a whole: empty text.

@@ -1,5 +1,5 @@
 // Operations on UTF-8 text. Positions and lengths are bytes; npos is "not found". Pure functions,
-// any thread; time and memory are linear in the texts, but for IsRegExMatch. Text that is no UTF-8
+// any thread; memory is linear in the texts, time at worst text by pattern. Text that is no UTF-8
 // is never refused unless a function says so: what needs characters then works on its bytes, of
 // which only ASCII letters have a case.
 #pragma once
@@ -28,11 +28,11 @@ bool ISUTF8StringLessThanNoCase(std::string_view a, std::string_view b);
 // Where `part` begins in `text`; an empty part is found at 0. Only whole characters are found: "ss"
 // in "straße" but not "as". By bytes if one of the two is no UTF-8.
 std::size_t StringFindNoCase(std::string_view text, std::string_view part);
-// Does the whole text match? ECMAScript over bytes, without back references and without any locale;
-// false for a pattern that is none. No exponential time, no deep stack; therefore false also for
-// patterns beyond 256 characters, 256 states or 32 groups, and for texts that are too long for
-// their pattern (400 KB for one of 10 characters, 16 KB for the longest; with a look-ahead 640 and
-// 120 bytes).
+// Does the whole text match? ECMAScript over bytes, with ranges of ASCII only, without back
+// references and without any locale; false for a pattern that is none. No exponential time, no deep
+// stack; therefore false also for patterns beyond 256 characters, 256 states or 32 groups, and for
+// texts that are too long for their pattern (400 KB for one of 10 characters, 16 KB for the
+// longest, less by the number of groups; with a look-ahead 640 and 120 bytes).
 bool IsRegExMatch(const std::string& text, const std::string& pattern);
 // By full case mapping without a language: "ß" has two upper-case letters, "I" becomes "i".
 std::string OSToLowerCase(std::string_view text);

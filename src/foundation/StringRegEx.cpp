@@ -10,7 +10,7 @@ namespace {
 // 512 KiB, also with address sanitizer.
 constexpr std::size_t kMostStates = 256;
 constexpr std::size_t kMostGroups = 32;
-// States by characters of the text.
+// States by groups by characters of the text.
 constexpr std::size_t kMostSteps = std::size_t{1} << 22;
 
 // One more than the larger number of "3}", "3,}" or "3,5}": how often the library copies at most.
@@ -58,6 +58,7 @@ bool IsBounded(std::string_view text, std::string_view pattern) {
   const auto groups = static_cast<std::size_t>(std::count(pattern.begin(), pattern.end(), '('));
   std::size_t steps = CountStates(pattern);
   if (groups > kMostGroups || steps > kMostStates) return false;
+  steps *= groups + 1;
   for (std::size_t i = 0; i <= CountLookAheads(pattern); ++i) {
     if (text.size() >= kMostSteps) return false;
     steps *= text.size() + 1;

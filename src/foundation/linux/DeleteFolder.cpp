@@ -32,14 +32,27 @@ void LetOwnerChange(int folder, const std::string& name) {
   fchmodat(folder, name.c_str(), kOwnerMayAll, AT_SYMLINK_NOFOLLOW);
 }
 
+// Kernels before 5.8 don't tell.
+bool IsMountPoint(int folder, const std::string& name) {
+  struct statx status {};
+  return statx(folder, name.c_str(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, 0, &status) == 0 &&
+         (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+}
+
 TModuleErrorCode DeleteEntry(FolderWalk& walk, bool force) {
   const FolderEntry entry = walk.Entry();
   if (entry.type != DT_DIR) return DeleteIn(walk.Folder(), entry.name, 0);
+  G_CHECK_CONDITION(IsMountPoint(walk.Folder(), entry.name), GFileSystem::kFileIsLocked);
   if (force) LetOwnerChange(walk.Folder(), entry.name);
   if (walk.Enter()) return 0;
-  // A link or file took its place, or it can't be read: then it goes only if it is empty.
-  const bool isFolder = errno != ENOTDIR && errno != ELOOP;
-  return DeleteIn(walk.Folder(), entry.name, isFolder ? AT_REMOVEDIR : 0);
+  const int error = errno;
+  // A link or file took its place.
+  if (error == ENOTDIR || error == ELOOP) return DeleteIn(walk.Folder(), entry.name, 0);
+  // It can't be read: then it goes only if it is empty.
+  const bool isGone =
+      unlinkat(walk.Folder(), entry.name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT;
+  G_CHECK_CONDITION(!isGone, CodeOfDelete(errno == ENOTEMPTY ? error : errno));
+  return 0;
 }
 
 TModuleErrorCode DeleteContents(FileDescriptor folder, bool force) {
@@ -60,12 +73,24 @@ TModuleErrorCode DeleteContents(FileDescriptor folder, bool force) {
 }  // namespace
 
 TModuleErrorCode DeleteTree(int parent, const std::string& name, bool force) {
+  G_CHECK_CONDITION(IsMountPoint(parent, name), GFileSystem::kFileIsLocked);
   if (force) LetOwnerChange(parent, name);
   FileDescriptor folder;
   // ELOOP and ENOTDIR: a link.
   G_CHECK_CONDITION(!OpenFolderIn(parent, name, folder),
                     CodeOfDelete(errno == ELOOP ? ENOTDIR : errno));
   if (const TModuleErrorCode code = DeleteContents(std::move(folder), force)) return code;
+  return DeleteIn(parent, name, AT_REMOVEDIR);
+}
+
+TModuleErrorCode DeleteTree(int parent, const std::string& name, const FolderIdentity& identity) {
+  FileDescriptor folder;
+  FolderIdentity present{};
+  G_CHECK_CONDITION(
+      !OpenFolderIn(parent, name, folder) || !GetFolderIdentity(folder.Get(), present),
+      CodeOfDelete(errno));
+  G_CHECK_CONDITION(present != identity, CodeOfDelete(ESTALE));
+  if (const TModuleErrorCode code = DeleteContents(std::move(folder), false)) return code;
   return DeleteIn(parent, name, AT_REMOVEDIR);
 }
 

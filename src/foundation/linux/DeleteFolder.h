@@ -4,8 +4,11 @@
 #include <string>
 
 #include "foundation/ErrorCodes.h"
+#include "foundation/linux/FolderWalk.h"
 
 // The folder `name` in `parent` with all that is in it, up to the first entry that can't be
-// deleted. Failures are recorded. `force` first lets the folders of our own unfinished copy be
-// changed.
+// deleted; what is mounted there can't. Failures are recorded. `force` first lets the folders of
+// our own unfinished copy be changed.
 TModuleErrorCode DeleteTree(int parent, const std::string& name, bool force);
+// The same, if it is still the folder that is told; ESTALE's code else.
+TModuleErrorCode DeleteTree(int parent, const std::string& name, const FolderIdentity& identity);

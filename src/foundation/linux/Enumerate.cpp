@@ -63,7 +63,10 @@ class Enumeration {
   // False if the callback wants no more.
   bool TellEntry() {
     const FolderEntry entry = mWalk.Entry();
-    if (CheckName(entry.name) != 0) return true;
+    if (const TModuleErrorCode code = CheckName(entry.name)) {
+      if (mCodeOfSkipped == 0) mCodeOfSkipped = code;
+      return true;
+    }
     const Kind kind = KindOfType(entry.type);
     if (!mCallback.OnEntry(GFileSystemSpec(mPath + "/" + entry.name), kind)) return false;
     if (kind == Kind::eFolder && mIsRecursive) EnterFolder(entry.name);

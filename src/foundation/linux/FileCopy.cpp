@@ -12,6 +12,7 @@
 #include "foundation/ErrorChecks.h"
 #include "foundation/GFileSystem.h"
 #include "foundation/GStopCallback.h"
+#include "foundation/linux/OpenFile.h"
 #include "foundation/linux/PendingEntry.h"
 #include "foundation/linux/SystemErrors.h"
 
@@ -63,7 +64,7 @@ bool IsStopped(const CopyOptions& options) {
 
 TModuleErrorCode OpenCopySource(int folder, const std::string& name, int flags,
                                 FileDescriptor& outFile) {
-  outFile = FileDescriptor(openat(folder, name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | flags));
+  outFile = OpenWithoutWaiting(folder, name.c_str(), O_RDONLY | flags);
   // ENXIO: a socket.
   G_CHECK_CONDITION(!outFile.IsOpen(),
                     errno == ENXIO ? CoreErrorCodes::kNotSupported : CodeOfCopy(errno));
@@ -78,7 +79,7 @@ TModuleErrorCode CopyOpenFile(int from, int to, const CopyOptions& options) {
   struct stat status {};
   G_CHECK_CONDITION(fstat(from, &status) != 0, CodeOfCopy(errno));
   if (const TModuleErrorCode code = CopyBytes(from, to, options)) return code;
-  G_CHECK_CONDITION(fchmod(to, status.st_mode & kCopiedBits) != 0, CodeOfCopy(errno));
+  G_CHECK_CONDITION(!SetPermissions(to, status.st_mode & kCopiedBits), CodeOfCopy(errno));
   G_CHECK_CONDITION(options.waitsForDisk && fsync(to) != 0, CodeOfCopy(errno));
   return 0;
 }
@@ -92,6 +93,10 @@ bool WriteAll(int to, const char* bytes, std::size_t count) {
     count -= static_cast<std::size_t>(written);
   }
   return true;
+}
+
+bool SetPermissions(int file, mode_t bits) {
+  return fchmod(file, bits) == 0 || errno == EOPNOTSUPP || errno == ENOSYS || errno == EPERM;
 }
 
 bool ReadLink(int folder, const std::string& name, std::string& outTarget) {

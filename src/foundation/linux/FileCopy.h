@@ -2,6 +2,8 @@
 // is none, it is CoreErrorCodes::kStopped.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <string>
 
@@ -26,6 +28,10 @@ TModuleErrorCode CopyOpenFile(int from, int to, const CopyOptions& options);
 // These two are false with errno set.
 bool WriteAll(int to, const char* bytes, std::size_t count);
 bool ReadLink(int folder, const std::string& name, std::string& outTarget);
+
+// Gives a file or folder of ours its permission bits, where the file system has any. False with
+// errno set.
+bool SetPermissions(int file, mode_t bits);
 
 // To a free place; whole or not at all.
 TModuleErrorCode CopyFileTo(int from, const Place& to, const CopyOptions& options);

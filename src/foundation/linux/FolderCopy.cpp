@@ -67,7 +67,7 @@ class FolderCopy {
     const int folder = mTo.Get();
     const FileDescriptor left(fcntl(folder, F_DUPFD_CLOEXEC, 0));
     G_CHECK_CONDITION(!left.IsOpen() || !mTo.Ascend(), CodeOfCopy(errno));
-    G_CHECK_CONDITION(fchmod(left.Get(), status.st_mode & kCopiedBits) != 0, CodeOfCopy(errno));
+    G_CHECK_CONDITION(!SetPermissions(left.Get(), status.st_mode & kCopiedBits), CodeOfCopy(errno));
     return 0;
   }
 
@@ -132,7 +132,7 @@ TModuleErrorCode CopyFolderTo(FileDescriptor from, const Place& to, const CopyOp
   if (const TModuleErrorCode code = FolderCopy(std::move(from), std::move(top), options).Run()) {
     return code;
   }
-  G_CHECK_CONDITION(fchmod(folder.Get(), status.st_mode & kCopiedBits) != 0, CodeOfCopy(errno));
+  G_CHECK_CONDITION(!SetPermissions(folder.Get(), status.st_mode & kCopiedBits), CodeOfCopy(errno));
   G_CHECK_CONDITION(options.waitsForDisk && syncfs(folder.Get()) != 0, CodeOfCopy(errno));
   G_CHECK_CONDITION(!copy.Publish(), CodeOfCopy(errno));
   if (options.waitsForDisk) WaitForDisk(to);

@@ -67,9 +67,13 @@ bool OpenFolderIn(int folder, const std::string& name, FileDescriptor& outFolder
 }
 
 bool FolderTrail::Descend(const std::string& name) {
-  FolderIdentity here{};
   FileDescriptor below;
-  if (!GetFolderIdentity(Get(), here) || !OpenFolderIn(Get(), name, below)) return false;
+  return OpenFolderIn(Get(), name, below) && Descend(std::move(below));
+}
+
+bool FolderTrail::Descend(FileDescriptor below) {
+  FolderIdentity here{};
+  if (!GetFolderIdentity(Get(), here)) return false;
   // Fails here, and not on the way back, in a folder that may be listed but not searched.
   struct stat above {};
   if (fstatat(below.Get(), "..", &above, 0) != 0) return false;
@@ -96,7 +100,10 @@ bool FolderTrail::Ascend() {
 }
 
 FolderWalk::EStep FolderWalk::Next() {
-  if (mIsLost) return EStep::eFailed;
+  if (mLost != 0) {
+    errno = mLost;
+    return EStep::eFailed;
+  }
   if (mLevels.empty()) {
     mLevels.emplace_back();
     if (!ListFolder(Folder(), mLevels.back().entries)) return EStep::eFailed;
@@ -107,20 +114,19 @@ FolderWalk::EStep FolderWalk::Next() {
     return EStep::eEntry;
   }
   if (mTrail.Depth() == 0) return EStep::eEnd;
-  mIsLost = !mTrail.Ascend();
-  if (mIsLost) return EStep::eFailed;
+  if (!mTrail.Ascend()) {
+    mLost = errno;
+    return EStep::eFailed;
+  }
   mLevels.pop_back();
   return EStep::eLeft;
 }
 
 bool FolderWalk::Enter() {
-  const std::string name = Entry().name;
-  if (!mTrail.Descend(name)) return false;
+  FileDescriptor folder;
   Level below;
-  if (!ListFolder(Folder(), below.entries)) {
-    const int error = errno;
-    mIsLost = !mTrail.Ascend();
-    errno = error;
+  if (!OpenFolderIn(Folder(), Entry().name, folder) || !ListFolder(folder.Get(), below.entries) ||
+      !mTrail.Descend(std::move(folder))) {
     return false;
   }
   mLevels.push_back(std::move(below));

@@ -35,8 +35,9 @@ class FolderTrail {
 
   int Get() const { return mFolder.Get(); }
   std::size_t Depth() const { return mAbove.size(); }
-  // False with errno set; the place is then still the same.
+  // To a folder in this one. False with errno set; the place is then still the same.
   [[nodiscard]] bool Descend(const std::string& name);
+  [[nodiscard]] bool Descend(FileDescriptor below);
   // ESTALE if the folder was moved elsewhere meanwhile.
   [[nodiscard]] bool Ascend();
 
@@ -69,5 +70,5 @@ class FolderWalk {
 
   FolderTrail mTrail;
   std::vector<Level> mLevels;
-  bool mIsLost = false;  // the way back up is gone
+  int mLost = 0;  // errno, once the way back up is gone
 };

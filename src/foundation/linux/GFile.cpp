@@ -8,7 +8,7 @@
 
 #include "foundation/ErrorChecks.h"
 #include "foundation/GFileSystem.h"
-#include "foundation/linux/FileDescriptor.h"
+#include "foundation/linux/OpenFile.h"
 #include "foundation/linux/SystemErrors.h"
 
 namespace {
@@ -42,10 +42,8 @@ std::string GFile::OSGetModeString(const std::string& modeString) {
 std::FILE* GFile::OSOpen(const std::string& path, const std::string& modeString) {
   errno = EINVAL;
   if (modeString.empty()) return nullptr;
-  // Without O_NONBLOCK a FIFO would wait for its other end; the flag stays, for the files below
-  // /proc whose reads wait.
-  constexpr int kAlways = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-  FileDescriptor file(open(path.c_str(), OpenFlags(modeString) | kAlways, kNewFileMode));
+  FileDescriptor file =
+      OpenWithoutWaiting(AT_FDCWD, path.c_str(), OpenFlags(modeString), kNewFileMode);
   if (!file.IsOpen()) return nullptr;
   errno = EINVAL;
   if (!IsRegularFile(file.Get())) return nullptr;

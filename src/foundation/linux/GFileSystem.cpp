@@ -66,7 +66,8 @@ TModuleErrorCode CreateOneDirectory(const std::string& path) {
   if (mkdir(path.c_str(), kFolderMode) == 0) return 0;
   const int error = errno;
   struct stat status {};
-  if (error == EEXIST && GetStatus(path, status) && S_ISDIR(status.st_mode)) return 0;
+  // Also where it may not be made: some file systems refuse before they look.
+  if (GetStatus(path, status) && S_ISDIR(status.st_mode)) return 0;
   const TModuleErrorCode code = CodeOfSystemError(error, GFileSystem::kDirectoryNotFound);
   WriteErrorRecord(1, __FILE__, __LINE__, "mkdir(path.c_str(), kFolderMode) != 0", code);
   return code;

@@ -50,7 +50,8 @@ TModuleErrorCode OpenPlace(const GFileSystemSpec& spec, TModuleErrorCode codeOfM
   GFileSystemSpec parent = spec;
   parent.RemoveLastPathComponent();
   outPlace.name = spec.GetLastPathComponent();
-  G_CHECK_CONDITION(outPlace.name.empty(), GFileSystem::kInvalidPath);
+  const bool isName = !outPlace.name.empty() && outPlace.name != "." && outPlace.name != "..";
+  G_CHECK_CONDITION(!isName, GFileSystem::kInvalidPath);
   outPlace.folder =
       FileDescriptor(open(parent.GetPath().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   G_CHECK_CONDITION(!outPlace.folder.IsOpen(), CodeOfSystemError(errno, codeOfMissing));
@@ -76,7 +77,8 @@ bool RenameWithoutReplacing(int fromFolder, const std::string& fromName, const P
   if (errno != EINVAL && errno != ENOSYS) return false;
   if (isFolder) return RenameFolderOntoOwn(fromFolder, fromName, to);
   if (LinkAndUnlink(fromFolder, fromName, to)) return true;
-  if (errno != EPERM && errno != EOPNOTSUPP) return false;
+  // EMLINK: no more of them.
+  if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS && errno != EMLINK) return false;
   // No hard links either: the best that there is.
   if (Exists(to)) {
     errno = EEXIST;

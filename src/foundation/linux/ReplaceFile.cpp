@@ -24,6 +24,15 @@ GFileSystemSpec ResolveLinks(const GFileSystemSpec& spec) {
   return real ? GFileSystemSpec(real.get()) : spec;
 }
 
+// The owner first: giving a file away takes some of its bits.
+bool TakeOver(int file, const struct stat& old) {
+  struct stat status {};
+  if (fstat(file, &status) != 0) return false;
+  const bool isSameOwner = status.st_uid == old.st_uid && status.st_gid == old.st_gid;
+  if (!isSameOwner && fchown(file, old.st_uid, old.st_gid) != 0) return false;
+  return SetPermissions(file, old.st_mode & 07777);
+}
+
 }  // namespace
 
 TModuleErrorCode GFileSystem::OSReplaceFile(const GFileSystemSpec& spec,
@@ -37,8 +46,7 @@ TModuleErrorCode GFileSystem::OSReplaceFile(const GFileSystemSpec& spec,
   PendingEntry pending(place);
   FileDescriptor file = pending.MakeFile();
   G_CHECK_CONDITION(!file.IsOpen(), CodeOfReplace(errno));
-  G_CHECK_CONDITION(exists && fchmod(file.Get(), status.st_mode & 07777) != 0,
-                    CodeOfReplace(errno));
+  G_CHECK_CONDITION(exists && !TakeOver(file.Get(), status), CodeOfReplace(errno));
   G_CHECK_CONDITION(
       !WriteAll(file.Get(), reinterpret_cast<const char*>(bytes.data()), bytes.size()),
       CodeOfReplace(errno));
