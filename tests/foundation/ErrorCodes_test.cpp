@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <thread>
 
 #include "foundation/ErrorChecks.h"
 #include "foundation/GDateTime.h"
@@ -38,28 +39,26 @@ TEST(ErrorCodes, EveryRowRoundTripsAndIsUnique) {
 }
 
 TEST(ErrorCodes, NumberIsInTheTopByte) {
-#define CONSTANT(constant) \
-  { constant, #constant }
-  const Row rows[] = {{0, "CoreErrorCodes::kSuccess"},
-                      {0x07000000, "CoreErrorCodes::kNotFound"},
-                      {0x02001004, "GFile::kOpenFailed"},
-                      {0x16001012, "GSqliteDatabase::kCannotEndTransactionOutOfOrder"},
-                      {0x07004005, "GFontToolResults::kFontAlreadyInDatabase"},
-                      {0x01004005, "GKVMessageHandler_FontAdder::kPathTooLong"},
-                      {0x0600400D, "GFontToolResults::kInvalidFaceprintVersion"},
-                      {0x10004018, "GFontServerProxy::kSessionDeleted"},
-                      {0x03007003, "GTovickVaultCommand::kPathDataNotSpecified"},
-                      CONSTANT(GFile::kFileNotOpen),
-                      CONSTANT(GFileSystem::kFileNotFound),
-                      CONSTANT(GFileSystem::kDirectoryNotFound),
-                      CONSTANT(GDateTime::kParsingError),
-                      CONSTANT(GFileSystem::kFileOrDirectoryAlreadyExists),
-                      CONSTANT(GFileSystem::kInvalidPath),
-                      CONSTANT(GFileSystem::kDiskFull),
-                      CONSTANT(GMutex::kMutexDeadlockErr),
-                      CONSTANT(GMutex::kMutexInvalidErr),
-                      CONSTANT(GLockable::kLockBusyErr)};
-#undef CONSTANT
+  const Row rows[] = {
+      {0, "CoreErrorCodes::kSuccess"},
+      {0x07000000, "CoreErrorCodes::kNotFound"},
+      {0x02001004, "GFile::kOpenFailed"},
+      {0x16001012, "GSqliteDatabase::kCannotEndTransactionOutOfOrder"},
+      {0x07004005, "GFontToolResults::kFontAlreadyInDatabase"},
+      {0x01004005, "GKVMessageHandler_FontAdder::kPathTooLong"},
+      {0x0600400D, "GFontToolResults::kInvalidFaceprintVersion"},
+      {0x10004018, "GFontServerProxy::kSessionDeleted"},
+      {0x03007003, "GTovickVaultCommand::kPathDataNotSpecified"},
+      {GFile::kFileNotOpen, "GFile::kFileNotOpen"},
+      {GFileSystem::kFileNotFound, "GFileSystem::kFileNotFound"},
+      {GFileSystem::kDirectoryNotFound, "GFileSystem::kDirectoryNotFound"},
+      {GFileSystem::kFileOrDirectoryAlreadyExists, "GFileSystem::kFileOrDirectoryAlreadyExists"},
+      {GFileSystem::kInvalidPath, "GFileSystem::kInvalidPath"},
+      {GFileSystem::kDiskFull, "GFileSystem::kDiskFull"},
+      {GDateTime::kParsingError, "GDateTime::kParsingError"},
+      {GMutex::kMutexDeadlockErr, "GMutex::kMutexDeadlockErr"},
+      {GMutex::kMutexInvalidErr, "GMutex::kMutexInvalidErr"},
+      {GLockable::kLockBusyErr, "GLockable::kLockBusyErr"}};
   for (const Row& row : rows) EXPECT_EQ(GetNameForErrorCode(row.code), row.name);
   // Others have none, beginning with a gap in the generic list.
   for (const TModuleErrorCode code : {0x0B000000U, 0x0100100EU, 0x02005001U, 0x02007005U,
@@ -67,6 +66,17 @@ TEST(ErrorCodes, NumberIsInTheTopByte) {
     EXPECT_EQ(GetNameForErrorCode(code), "Unknown error code") << code;
   }
   EXPECT_EQ(GetErrorCodeForName("coreerrorcodes::kerror"), 0x15000000U);
+}
+
+TEST(ErrorCodes, FirstLookUpsOfSeveralThreadsAgree) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([] {
+      EXPECT_EQ(GetNameForErrorCode(0x01004016), "GTaskThread::kTaskAlreadyBusy");
+      EXPECT_EQ(GetErrorCodeForName("GTaskThread::kTaskAlreadyBusy"), 0x01004016U);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
 }
 
 TEST(ErrorCodes, ACodeTravelsAsAnException) {

@@ -166,28 +166,19 @@ TEST(GKVTree, RefusesHostileDocuments) {
     const std::string inner = "&l" + std::to_string(i - 1) + ";";
     laughs += "<!ENTITY l" + std::to_string(i) + " '" + Repeat(inner, 10) + "'>";
   }
-  const std::string rows[] = {
-      "",
-      "\0"s,
-      "\xEF\xBB\xBF",
-      laughs + "]>" + Tree(Entry("&l11;", kInt)),
-      laughs + "]>" + Tree(Entry("a", Value("string", "<str>&l11;</str>"))),
-      "<!DOCTYPE kvtree [<!ENTITY f SYSTEM 'file:///etc/passwd'>]>" +
-          Tree(Entry("a", Value("string", "<str>&f;</str>"))),
-      "<!DOCTYPE kvtree SYSTEM 'file:///etc/passwd'>" + good,
-      "<!DOCTYPE kvtree>" + good,
-      Tree(Entry("&undeclared;", kInt)),
-      Tree(Entry("&#0;", kInt)),
-      Repeat("<kvtree>", 100'000),
-      Repeat("<kvtree>", 100'000) + Repeat("</kvtree>", 100'000),
-      good.substr(0, good.size() - 1),
-      good + "\0"s,
-      good + good,
-      "<kvtree>\0</kvtree>"s,
-      wide(good),
-      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + Tree(Entry("\xE9", kInt)),
-      "\x4C\x6F\xA7\x94\x93\x40\xA5\x85\x99\xA2\x89\x96\x95"};
-  for (const std::string& xml : rows) {
+  const auto one = [](const std::string& text) { return Tree(Entry("a", Value("string", text))); };
+  const std::string levels = Repeat("<kvtree>", 100'000);
+  const std::string outside = "SYSTEM 'file:///etc/passwd'>";
+  for (const std::string& xml :
+       {""s, "\0"s, "\xEF\xBB\xBF"s, laughs + "]>" + Tree(Entry("&l11;", kInt)),
+        laughs + "]>" + one("<str>&l11;</str>"),
+        "<!DOCTYPE kvtree [<!ENTITY f " + outside + "]>" + one("<str>&f;</str>"),
+        "<!DOCTYPE kvtree " + outside + good, "<!DOCTYPE kvtree>" + good,
+        Tree(Entry("&undeclared;", kInt)), Tree(Entry("&#0;", kInt)), levels,
+        levels + Repeat("</kvtree>", 100'000), good.substr(0, good.size() - 1), good + "\0"s,
+        good + good, "<kvtree>\0</kvtree>"s, wide(good),
+        "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + Tree(Entry("\xE9", kInt)),
+        "\x4C\x6F\xA7\x94\x93\x40\xA5\x85\x99\xA2\x89\x96\x95"s}) {
     GKVTree tree;
     EXPECT_EQ(FromXML(xml, tree), GLibXML::kParseFailed) << xml.substr(0, 80);
   }
@@ -244,16 +235,7 @@ TEST(GKVTree, DepthIsBounded) {
   circle->Clear();
 }
 
-TEST(GKVTree, WritesWholeOrNothing) {
-  for (const char* key : {"", "\x01", "\xFF", "\uFFFE"}) {
-    GKVTree tree;
-    tree.SetValueForKey(1, "A");
-    tree.SetValueForKey(1, key);
-    EXPECT_EQ(ToXML(tree), "GLibXMLSerializable::kInvalidAttributeContent");
-  }
-}
-
-TEST(GKVTree, BecomesJson) {
+TEST(GKVTree, BecomesJsonOrXmlWholeOrNotAtAll) {
   GKVTree inner;
   inner.SetValueForKey(std::vector<int>{1, -2}, "list");
   GKVTree tree;
@@ -264,15 +246,22 @@ TEST(GKVTree, BecomesJson) {
   tree.SetValueForKey(1, "\xFF");
   EXPECT_EQ(tree.ConvertToJSON(json), GValue::kValueConversionError);
   EXPECT_EQ(json.size(), 1U);
+  for (const char* key : {"", "\x01", "\xFF", "\uFFFE"}) {
+    inner.SetValueForKey(1, key);
+    EXPECT_EQ(ToXML(inner), "GLibXMLSerializable::kInvalidAttributeContent");
+    inner.ClearValueForKey(key);
+  }
 }
 
 TEST(GKVTree, SetsLoggingLevels) {
+  const std::vector<std::string> several = {"DEBUG", "error"};
+  const std::pair<const char*, GValue> rows[] = {{"One", "warn"},
+                                                 {"Two", "verbose"},
+                                                 {"Three", 4},
+                                                 {"Four", several},
+                                                 {"Five", std::vector<std::string>()}};
   GKVTree levels;
-  levels.SetValueForKey("warn", "One");
-  levels.SetValueForKey("verbose", "Two");
-  levels.SetValueForKey(4, "Three");
-  levels.SetValueForKey(std::vector<std::string>{"DEBUG", "error"}, "Four");
-  levels.SetValueForKey(std::vector<std::string>(), "Five");
+  for (const auto& [identifier, level] : rows) levels.SetValueForKey(level, identifier);
   GLogger& logger = *GLogger::GetSharedInstance();
   logger.SetDefaultLoggingLevel(GLogger::eError);
   logger.SetLoggingLevelsFromKVTree(levels);

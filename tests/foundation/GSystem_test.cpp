@@ -198,11 +198,9 @@ TEST(GSystem, SocketsAreCounted) {
 TEST(GSystem, FactsOfThisMachine) {
   unsigned int numbers[3] = {};
   std::string text;
-  unsigned long long bytes = 0;
   EXPECT_EQ(GSystem::OSGetVersion(numbers[0], numbers[1], numbers[2]), 0U);
   EXPECT_EQ(GSystem::OSGetVersionString(text), 0U);
   EXPECT_TRUE(text.starts_with(std::to_string(numbers[0]) + "." + std::to_string(numbers[1])));
-  EXPECT_TRUE(GSystem::OSGetTotalMemory(bytes) == 0 && bytes >= 1ULL << 24);
   EXPECT_TRUE(GSystem::OSGetLocalIPAddress(text) == 0 && !text.starts_with("127."));
   EXPECT_TRUE(GSystem::GetPrimaryMACAddress(text) == 0 && (text.empty() || text.size() % 3 == 2));
   const TModuleErrorCode code = GSystem::GetMachineID(text);

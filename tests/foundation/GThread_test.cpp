@@ -35,11 +35,6 @@ unsigned int LookAround(GThread* self) {
   return self->GetThreadState() == eThreadStopping ? 17 : 18;
 }
 
-unsigned int UntilStopped(GThread* self) {
-  while (self->GetThreadState() != eThreadStopping) std::this_thread::yield();
-  return 5;
-}
-
 TEST(GThread, RunsOnAThreadOfItsOwnOrOnThis) {
   for (const bool synchronously : {false, true}) {
     Seen seen;
@@ -65,8 +60,12 @@ TEST(GThread, RunsOnAThreadOfItsOwnOrOnThis) {
 }
 
 TEST(GThread, StopsWhenToldAndStartsOnlyOnce) {
-  GThread thread(&UntilStopped, nullptr);
-  GThread other(&UntilStopped, nullptr);
+  const auto untilStopped = [](GThread* self) -> unsigned int {
+    while (self->GetThreadState() != eThreadStopping) std::this_thread::yield();
+    return 5;
+  };
+  GThread thread(untilStopped, nullptr);
+  GThread other(untilStopped, nullptr);
   EXPECT_NE(thread.GetName(), other.GetName());
   ASSERT_EQ(thread.StartThread() + other.StartThread(), 0U);  // the other's destructor stops it
   EXPECT_EQ(thread.StartThread(), CoreErrorCodes::kAlreadyInitialized);
