@@ -80,12 +80,9 @@ TEST(ErrorCodes, FirstLookUpsOfSeveralThreadsAgree) {
 }
 
 TEST(ErrorCodes, ACodeTravelsAsAnException) {
-  try {
-    throw restful_mapper::TModuleErrorCodeError(CoreErrorCodes::kNotFound);
-  } catch (const restful_mapper::TModuleErrorCodeError& caught) {
-    EXPECT_STREQ(caught.what(), "CoreErrorCodes::kNotFound");
-    EXPECT_EQ(caught.error(), CoreErrorCodes::kNotFound);
-  }
+  const restful_mapper::TModuleErrorCodeError error(CoreErrorCodes::kNotFound);
+  EXPECT_STREQ(static_cast<const std::exception&>(error).what(), "CoreErrorCodes::kNotFound");
+  EXPECT_EQ(error.error(), CoreErrorCodes::kNotFound);
 }
 
 TModuleErrorCode Fails(int = 0, int = 0) { return CoreErrorCodes::kNotFound; }

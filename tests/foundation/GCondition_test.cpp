@@ -61,14 +61,12 @@ TEST(GCondition, SignalWakesOneAndStaysSetUntilReset) {
   Waiters waiters(condition, 3);
   condition.Signal();
   waiters.AwaitWoken(1);
-  EXPECT_EQ(condition.Wait(), 0U);
+  EXPECT_EQ(condition.TimedWait(0), 0U);
   condition.Broadcast();
   waiters.AwaitWoken(3);
-  EXPECT_EQ(condition.TimedWait(0), 0U);
 }
 
-// However the woken ones clear the flag before one another's eyes, and though it is cleared at
-// once.
+// Though the woken ones clear the flag one after the other, and it is cleared at once.
 TEST(GCondition, BroadcastWakesAllItMet) {
   GCondition condition;
   condition.Reset();

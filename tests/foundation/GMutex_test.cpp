@@ -109,28 +109,21 @@ TEST(GScopedLock, HoldsItOnceAndLetsGoOfItsOwnOnly) {
   EXPECT_EQ(TryOnce::sAlive, 0);
 }
 
-struct Selfish {
-  Selfish() : itself(GSingleton<Selfish>::GetSharedInstance()) {}
-  Selfish* itself;
-};
-
-TEST(GSingleton, ConstructorThatAsksForItselfGetsNull) {
-  EXPECT_EQ(GSingleton<Selfish>::GetSharedInstance()->itself, nullptr);
-}
-
 struct Counted {
-  Counted() { sMade += 1; }
+  Counted() : itself(GSingleton<Counted>::GetSharedInstance()) { sMade += 1; }
   static std::atomic<int> sMade;
+  Counted* itself;
 };
 std::atomic<int> Counted::sMade{0};
 
-TEST(GSingleton, IsMadeOnceForAllThreads) {
+TEST(GSingleton, IsMadeOnceForAllThreadsAndGivesItsConstructorNull) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 8; ++i) {
     threads.emplace_back([] { EXPECT_NE(GSingleton<Counted>::GetSharedInstance(), nullptr); });
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(Counted::sMade, 1);
+  EXPECT_EQ(GSingleton<Counted>::GetSharedInstance()->itself, nullptr);
 }
 
 }  // namespace
