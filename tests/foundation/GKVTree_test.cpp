@@ -5,10 +5,11 @@
 #include <boost/make_shared.hpp>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <tuple>
 
 #include "foundation/GLibXMLDoc.h"
 #include "foundation/GLogger.h"
-#include "support/RecordingAppender.h"
+#include "support/ErrorRecords.h"
 
 namespace {
 
@@ -64,13 +65,11 @@ TEST(GKVTree, KeepsEntries) {
   std::vector<std::string> keys = {"old"};
   tree.GetKeys(keys);
   EXPECT_EQ(keys, (std::vector<std::string>{"a", "b"}));
-  EXPECT_EQ(tree.GetValueTypeForKey("b"), GValue::kValueType_double);
   GKVTree copy = tree;
   *copy.GetWritableValuePtrForKey("a") = "changed";
-  EXPECT_EQ(tree.GetValuePtrForKey("a")->GetValueType(), GValue::kValueType_long);
+  EXPECT_EQ(tree.GetValueTypeForKey("a"), GValue::kValueType_long);
   copy.ClearValueForKey("a");
   copy.ClearValueForKey("absent");
-  EXPECT_EQ(copy.GetValuePtrForKey("a"), nullptr);
   EXPECT_EQ(copy.GetWritableValuePtrForKey("a"), nullptr);
   EXPECT_EQ(copy.GetValueTypeForKey("a"), GValue::kValueType_NULL);
   copy.SetValueForKey(*copy.GetValuePtrForKey("b"), "b");
@@ -78,18 +77,14 @@ TEST(GKVTree, KeepsEntries) {
 }
 
 TEST(GKVTree, TakesATreeFromWithinItself) {
-  auto inner = boost::make_shared<GKVTree>();
-  inner->SetValueForKey(1, "leaf");
-  GKVTree tree;
-  tree.SetValueForKey(inner, "k");
-  GKVTree* within = inner.get();
-  inner.reset();
-  tree.Assign(*within);
+  GKVTree tree = Nested(2);
+  GKVTree* outer = &tree;
+  GKVTreePtr within;
+  ASSERT_EQ(tree.GetValuePtrForKey("k")->GetValue(within), kOk);
+  within->SetValueForKey(1, "leaf");
+  outer->Assign(*std::exchange(within, nullptr));
+  outer->Assign(tree);
   EXPECT_EQ(ToXML(tree), Tree(Entry("leaf", kInt)));
-  tree.Assign(static_cast<const GKVTree&>(tree));
-  EXPECT_EQ(tree.GetValueTypeForKey("leaf"), GValue::kValueType_long);
-  tree.Clear();
-  EXPECT_EQ(ToXML(tree), "<kvtree></kvtree>");
 }
 
 TEST(GKVTree, WritesAndReads) {
@@ -113,54 +108,48 @@ TEST(GKVTree, WritesAndReads) {
     ASSERT_EQ(FromXML(text, back), kOk) << text;
     EXPECT_EQ(ToXML(back), xml);
   }
-  GKVTree empty;
-  EXPECT_EQ(FromXML("<kvtree></kvtree>", tree), kOk);
-  EXPECT_EQ(ToXML(tree), ToXML(empty));
+  EXPECT_EQ(FromXML("<kvtree/>", tree), kOk);
+  EXPECT_EQ(ToXML(tree), "<kvtree></kvtree>");
 }
 
 TEST(GKVTree, RefusesWhatIsNoTree) {
   const std::string two = "<integer>1</integer><integer>2</integer>";
-  const struct {
-    std::string xml;
-    TModuleErrorCode code;
-    std::string expression = {};
-  } rows[] = {
-      {"<tree/>", S::kWrongElementName, "!node.VerifyName(kXMLElementName_kvtree)"},
-      {Tree("text"), S::kInvalidChildNode, "!node.IsNodeBlank()"},
-      {Tree("<!-- -->"), S::kInvalidChildNode},
-      {Tree("<![CDATA[ ]]>"), S::kInvalidChildNode},
-      {Tree("<?p i?>"), S::kInvalidChildNode},
-      {Tree("<KV/>"), S::kWrongElementName},
-      {Tree("<kv>" + kInt + "</kv>"), S::kMissingRequiredAttribute, "strKey.empty()"},
-      {Tree(Entry("", kInt)), S::kMissingRequiredAttribute, "strKey.empty()"},
-      {Tree(Entry("a", " ")), S::kMissingRequiredChildElement, "!bSetValue"},
-      {Tree(Entry("a", kInt) + Entry("b", "")), S::kMissingRequiredChildElement, "!bSetValue"},
-      {Tree(Entry("a", "<v/>")), S::kWrongElementName,
-       "!node.VerifyName(GValue::kStrElementName_value)"},
-      {Tree(Entry("a", kInt + kInt)), S::kInvalidChildElement},
-      {Tree(Entry("a", kInt + "x")), S::kInvalidChildNode},
-      {Tree(Entry("a", kInt) + Entry("a", kInt)), CoreErrorCodes::kItemAlreadyExists,
-       "!mapInsertion.second"},
-      {Tree(Entry("a", Value("int", two))), S::kInvalidAttributeContent,
-       "eType == kValueType_NULL"},
-      {Tree(Entry("a", "<value type='TSInt32'/>")), S::kMissingRequiredAttribute},
-      {Tree(Entry("a", "<value size='0'/>")), S::kMissingRequiredAttribute},
-      {Tree(Entry("a", "<value type='bool' size='-1'/>")), S::kInvalidAttributeContent},
-      {Tree(Entry("a", "<value type='bool' size='4294967296000'/>")), GValue::kValueSizeMismatch},
-      {Tree(Entry("a", Value("TSInt32", two))), GValue::kValueSizeMismatch},
-      {Tree(Entry("a", Value("string", "<str><![CDATA[x]]></str>"))),
-       GLibXMLNode::kUnexpectedNodes},
-      {Tree(Entry("a", Value("kvtree", "<str/>"))), S::kWrongElementName},
-  };
-  for (const auto& row : rows) {
-    GKVTree tree;
-    tree.SetValueForKey(1, "old");
-    const RecordingAppender& log = RecordingAppender::Install();
-    EXPECT_EQ(FromXML(row.xml, tree), row.code) << row.xml;
-    EXPECT_EQ(ToXML(tree), Tree(Entry("old", kInt)));
-    ASSERT_FALSE(log.Lines().empty());
-    EXPECT_NE(log.Lines()[0].find("Expression='" + row.expression), std::string::npos)
-        << log.Lines()[0];
+  const auto one = [](const std::string& children) { return Tree(Entry("a", children)); };
+  const std::tuple<TModuleErrorCode, const char*, std::vector<std::string>> rows[] = {
+      {S::kWrongElementName,
+       "!node.VerifyName(kXMLElementName_kvtree)",
+       {"<tree/>", one("<value type='kvtree' size='1'><str/></value>")}},
+      {S::kInvalidChildNode,
+       "!node.IsNodeBlank()",
+       {Tree("text"), Tree("<!-- -->"), Tree("<![CDATA[ ]]>"), Tree("<?p i?>"), one(kInt + "x")}},
+      {S::kWrongElementName, "!entry.VerifyName(kXMLElementName_kv)", {Tree("<KV/>")}},
+      {S::kMissingRequiredAttribute,
+       "strKey.empty()",
+       {Tree("<kv>" + kInt + "</kv>"), Tree(Entry("", kInt))}},
+      {S::kMissingRequiredChildElement,
+       "!bSetValue",
+       {one(" "), Tree(Entry("a", kInt) + Entry("b", ""))}},
+      {S::kWrongElementName, "!node.VerifyName(GValue::kStrElementName_value)", {one("<v/>")}},
+      {S::kInvalidChildElement, "bSetValue", {one(kInt + kInt)}},
+      {CoreErrorCodes::kItemAlreadyExists,
+       "!mapInsertion.second",
+       {Tree(Entry("a", kInt) + Entry("a", kInt))}},
+      {S::kInvalidAttributeContent, "eType == kValueType_NULL", {one(Value("int", two))}},
+      {S::kMissingRequiredAttribute, "strSize.empty()", {one("<value type='TSInt32'/>")}},
+      {S::kMissingRequiredAttribute, "strType.empty()", {one("<value size='0'/>")}},
+      {S::kInvalidAttributeContent, "!isSize", {one("<value type='bool' size='-1'/>")}},
+      {GValue::kValueSizeMismatch,
+       "value.m_dataPtr->size() != size",
+       {one("<value type='bool' size='4294967296000'/>"), one(Value("TSInt32", two))}}};
+  for (const auto& [code, expression, texts] : rows) {
+    for (const std::string& xml : texts) {
+      GKVTree tree;
+      tree.SetValueForKey(1, "old");
+      const RecordingAppender& log = RecordingAppender::Install();
+      EXPECT_EQ(FromXML(xml, tree), code) << xml;
+      EXPECT_EQ(ToXML(tree), Tree(Entry("old", kInt)));
+      EXPECT_TRUE(ExpressionsOf(log).starts_with(expression)) << xml << ExpressionsOf(log);
+    }
   }
 }
 
@@ -177,29 +166,19 @@ TEST(GKVTree, RefusesHostileDocuments) {
     const std::string inner = "&l" + std::to_string(i - 1) + ";";
     laughs += "<!ENTITY l" + std::to_string(i) + " '" + Repeat(inner, 10) + "'>";
   }
-  const std::string rows[] = {
-      "",
-      "\0"s,
-      "\xEF\xBB\xBF",
-      laughs + "]>" + Tree(Entry("&l11;", kInt)),
-      laughs + "]>" + Tree(Entry("a", Value("string", "<str>&l11;</str>"))),
-      "<!DOCTYPE kvtree [<!ENTITY f SYSTEM 'file:///etc/passwd'>]>" +
-          Tree(Entry("a", Value("string", "<str>&f;</str>"))),
-      "<!DOCTYPE kvtree SYSTEM 'file:///etc/passwd'>" + good,
-      "<!DOCTYPE kvtree>" + good,
-      Tree(Entry("&undeclared;", kInt)),
-      Tree(Entry("&#0;", kInt)),
-      Repeat("<kvtree>", 100'000),
-      Repeat("<kvtree>", 100'000) + Repeat("</kvtree>", 100'000),
-      good.substr(0, good.size() - 1),
-      good + "\0"s,
-      good + good,
-      "<kvtree>\0</kvtree>"s,
-      wide(good),
-      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + Tree(Entry("\xE9", kInt)),
-      "\x4C\x6F\xA7\x94\x93\x40\xA5\x85\x99\xA2\x89\x96\x95",
-  };
-  for (const std::string& xml : rows) {
+  const auto one = [](const std::string& text) { return Tree(Entry("a", Value("string", text))); };
+  const std::string levels = Repeat("<kvtree>", 100'000);
+  const std::string outside = "SYSTEM 'file:///etc/passwd'>";
+  for (const std::string& xml :
+       {""s, "\0"s, "\xEF\xBB\xBF"s, laughs + "]>" + Tree(Entry("&l11;", kInt)),
+        laughs + "]>" + one("<str>&l11;</str>"),
+        "<!DOCTYPE kvtree [<!ENTITY f " + outside + "]>" + one("<str>&f;</str>"),
+        "<!DOCTYPE kvtree " + outside + good, "<!DOCTYPE kvtree>" + good,
+        Tree(Entry("&undeclared;", kInt)), Tree(Entry("&#0;", kInt)), levels,
+        levels + Repeat("</kvtree>", 100'000), good.substr(0, good.size() - 1), good + "\0"s,
+        good + good, "<kvtree>\0</kvtree>"s, wide(good),
+        "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + Tree(Entry("\xE9", kInt)),
+        "\x4C\x6F\xA7\x94\x93\x40\xA5\x85\x99\xA2\x89\x96\x95"s}) {
     GKVTree tree;
     EXPECT_EQ(FromXML(xml, tree), GLibXML::kParseFailed) << xml.substr(0, 80);
   }
@@ -227,31 +206,19 @@ TEST(GKVTree, DepthIsBounded) {
   const int limit = GKVTree::kMaxTreeDepth;
   nlohmann::json json;
   GKVTree back;
-  ASSERT_EQ(FromXML(ToXML(Nested(limit)), back), kOk);
-  EXPECT_EQ(ToXML(back), ToXML(Nested(limit)));
+  const GKVTree deepest = Nested(limit);
+  ASSERT_EQ(FromXML(ToXML(deepest), back), kOk);
   EXPECT_EQ(back.ConvertToJSON(json), kOk);
-  const GKVTree deeper = Nested(limit + 1);
-  EXPECT_EQ(ToXML(deeper), "CoreErrorCodes::kNotSupported");
-  EXPECT_EQ(deeper.ConvertToJSON(json), CoreErrorCodes::kNotSupported);
   const std::string start = "<kvtree><kv key='k'><value type='kvtree' size='1'>";
   const std::string end = "</value></kv></kvtree>";
   EXPECT_EQ(FromXML(Repeat(start, limit) + "<kvtree/>" + Repeat(end, limit), back),
             CoreErrorCodes::kNotSupported);
-  EXPECT_EQ(ToXML(back), ToXML(Nested(limit)));
-
+  EXPECT_EQ(ToXML(back), ToXML(deepest));
   GKVTree abyss = Nested(100'000);
-  GKVTree copy = abyss;
+  const GKVTree copy = abyss;
   abyss.Clear();
-  EXPECT_EQ(ToXML(copy), "CoreErrorCodes::kNotSupported");
-}
-
-TEST(GKVTree, CirclesAndFansEnd) {
   const auto circle = boost::make_shared<GKVTree>();
   circle->SetValueForKey(circle, "self");
-  nlohmann::json json = "before";
-  EXPECT_EQ(ToXML(*circle), "CoreErrorCodes::kNotSupported");
-  EXPECT_EQ(circle->ConvertToJSON(json), CoreErrorCodes::kNotSupported);
-  circle->Clear();
   // 2^40 empty trees in 41 objects.
   auto fan = boost::make_shared<GKVTree>();
   for (int i = 0; i < 40; ++i) {
@@ -259,54 +226,50 @@ TEST(GKVTree, CirclesAndFansEnd) {
     outer->SetValueForKey(std::vector<GKVTreePtr>{fan, fan}, "k");
     fan = outer;
   }
-  EXPECT_EQ(ToXML(*fan), "CoreErrorCodes::kNotSupported");
-  EXPECT_EQ(fan->ConvertToJSON(json), CoreErrorCodes::kNotSupported);
-  EXPECT_EQ(json, "before");
-}
-
-TEST(GKVTree, WritesWholeOrNothing) {
-  for (const char* key : {"", "\x01", "\xFF", "\uFFFE"}) {
-    GKVTree tree;
-    tree.SetValueForKey(1, "A");
-    tree.SetValueForKey(1, key);
-    EXPECT_EQ(ToXML(tree), "GLibXMLSerializable::kInvalidAttributeContent");
+  json = "before";
+  for (const GKVTree& tree : {Nested(limit + 1), copy, *circle, *fan}) {
+    EXPECT_EQ(ToXML(tree), "CoreErrorCodes::kNotSupported");
+    EXPECT_EQ(tree.ConvertToJSON(json), CoreErrorCodes::kNotSupported);
+    EXPECT_EQ(json, "before");
   }
-  GKVTree tree;
-  tree.SetValueForKey(1, "a");
-  tree.SetValueForKey(GValue(), "b");
-  EXPECT_EQ(ToXML(tree), "GValue::kValueTypeError");
+  circle->Clear();
 }
 
-TEST(GKVTree, BecomesJson) {
+TEST(GKVTree, BecomesJsonOrXmlWholeOrNotAtAll) {
   GKVTree inner;
   inner.SetValueForKey(std::vector<int>{1, -2}, "list");
   GKVTree tree;
-  tree.SetValueForKey(std::vector<GKVTree>{inner, GKVTree()}, "trees");
-  tree.SetValueForKey(inner, "in\"ner");
+  tree.SetValueForKey(std::vector<GKVTree>{inner, GKVTree()}, "in\"ner");
   nlohmann::json json;
   ASSERT_EQ(tree.ConvertToJSON(json), kOk);
-  EXPECT_EQ(json.dump(), R"({"in\"ner":{"list":[1,-2]},"trees":[{"list":[1,-2]},{}]})");
+  EXPECT_EQ(json.dump(), R"({"in\"ner":[{"list":[1,-2]},{}]})");
   tree.SetValueForKey(1, "\xFF");
   EXPECT_EQ(tree.ConvertToJSON(json), GValue::kValueConversionError);
-  EXPECT_EQ(json.size(), 2U);
+  EXPECT_EQ(json.size(), 1U);
+  for (const char* key : {"", "\x01", "\xFF", "\uFFFE"}) {
+    inner.SetValueForKey(1, key);
+    EXPECT_EQ(ToXML(inner), "GLibXMLSerializable::kInvalidAttributeContent");
+    inner.ClearValueForKey(key);
+  }
 }
 
 TEST(GKVTree, SetsLoggingLevels) {
+  const std::vector<std::string> several = {"DEBUG", "error"};
+  const std::pair<const char*, GValue> rows[] = {{"One", "warn"},
+                                                 {"Two", "verbose"},
+                                                 {"Three", 4},
+                                                 {"Four", several},
+                                                 {"Five", std::vector<std::string>()}};
   GKVTree levels;
-  levels.SetValueForKey("warn", "One");
-  levels.SetValueForKey("verbose", "Two");
-  levels.SetValueForKey(4, "Three");
-  levels.SetValueForKey(std::vector<std::string>{"DEBUG", "error"}, "Four");
-  levels.SetValueForKey(std::vector<std::string>(), "Five");
+  for (const auto& [identifier, level] : rows) levels.SetValueForKey(level, identifier);
   GLogger& logger = *GLogger::GetSharedInstance();
   logger.SetDefaultLoggingLevel(GLogger::eError);
   logger.SetLoggingLevelsFromKVTree(levels);
-  const char* identifiers[] = {"one", "two", "three", "four", "five"};
-  const GLogger::LoggingLevel expected[] = {GLogger::eWarning, GLogger::eError, GLogger::eError,
-                                            GLogger::eDebug, GLogger::eError};
-  for (std::size_t i = 0; i < std::size(expected); ++i) {
-    EXPECT_EQ(logger.GetLoggingLevelForIdentifier(identifiers[i]), expected[i]) << identifiers[i];
+  std::string found;
+  for (const char* identifier : {"one", "two", "three", "four", "five"}) {
+    found += GLogger::LevelToString(logger.GetLoggingLevelForIdentifier(identifier)) + " ";
   }
+  EXPECT_EQ(found, "Warning Error Error Debug Error ");
 }
 
 }  // namespace

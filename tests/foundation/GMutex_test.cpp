@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -19,37 +18,27 @@ TModuleErrorCode OnAnotherThread(Action action) {
   return code;
 }
 
-TEST(GMutex, RefusesSelfDeadlock) {
+TEST(GMutex, RefusesSelfDeadlockAndIsBusyForOthers) {
   GMutex mutex;
   EXPECT_EQ(mutex.Lock(), 0U);
   EXPECT_EQ(mutex.Lock(), GMutex::kMutexDeadlockErr);
   EXPECT_EQ(mutex.TryLock(), GMutex::kMutexDeadlockErr);
   EXPECT_EQ(mutex.TryLockWithTimeout(1), GMutex::kMutexDeadlockErr);
+  EXPECT_FALSE(GScopedLock(mutex).IsLocked());
+  EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLock(); }), GLockable::kLockBusyErr);
+  EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLockWithTimeout(20); }), GLockable::kLockBusyErr);
+  EXPECT_EQ(OnAnotherThread([&] { return mutex.Unlock(); }), GMutex::kMutexDeadlockErr);
   EXPECT_EQ(mutex.Unlock(), 0U);
   EXPECT_EQ(mutex.Unlock(), GMutex::kMutexDeadlockErr);
 }
 
 TEST(GMutex, RecursiveOneCounts) {
   GRecursiveMutex mutex;
-  EXPECT_EQ(mutex.Lock(), 0U);
-  EXPECT_EQ(mutex.TryLock(), 0U);
+  const auto fromAnother = [&] { return OnAnotherThread([&] { return mutex.TryLock(); }); };
+  EXPECT_EQ(mutex.Lock() + mutex.TryLock() + mutex.Unlock(), 0U);
+  EXPECT_EQ(fromAnother(), GLockable::kLockBusyErr);
   EXPECT_EQ(mutex.Unlock(), 0U);
-  EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLock(); }), GLockable::kLockBusyErr);
-  EXPECT_EQ(mutex.Unlock(), 0U);
-  EXPECT_EQ(OnAnotherThread([&] {
-              const TModuleErrorCode code = mutex.TryLock();
-              return code != 0 ? code : mutex.Unlock();
-            }),
-            0U);
-}
-
-TEST(GMutex, OfAnotherThreadIsBusy) {
-  GMutex mutex;
-  ASSERT_EQ(mutex.Lock(), 0U);
-  EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLock(); }), GLockable::kLockBusyErr);
-  EXPECT_EQ(OnAnotherThread([&] { return mutex.TryLockWithTimeout(20); }), GLockable::kLockBusyErr);
-  EXPECT_EQ(OnAnotherThread([&] { return mutex.Unlock(); }), GMutex::kMutexDeadlockErr);
-  EXPECT_EQ(mutex.Unlock(), 0U);
+  EXPECT_EQ(fromAnother(), 0U);
 }
 
 TEST(GMutex, WaitersGetItOneAfterTheOther) {
@@ -75,39 +64,18 @@ TEST(GMutex, WaitersGetItOneAfterTheOther) {
 // Busy for its first two tries.
 class SlowLockable : public GLockable {
  public:
+  explicit SlowLockable(TModuleErrorCode answer) : mAnswer(answer) {}
   TModuleErrorCode Lock() override { return 0; }
   TModuleErrorCode TryLock() override { return ++mTries <= 2 ? kLockBusyErr : mAnswer; }
   TModuleErrorCode Unlock() override { return 0; }
-
   int mTries = 0;
-  TModuleErrorCode mAnswer = 0;
+  TModuleErrorCode mAnswer;
 };
 
 TEST(GLockable, DefaultTimeoutRetriesWhileBusy) {
-  SlowLockable lockable;
-  EXPECT_EQ(lockable.TryLockWithTimeout(600'000), 0U);
-  EXPECT_EQ(lockable.mTries, 3);
-  SlowLockable broken;
-  broken.mTries = 2;
-  broken.mAnswer = CoreErrorCodes::kError;
-  EXPECT_EQ(broken.TryLockWithTimeout(600'000), CoreErrorCodes::kError);
-  SlowLockable busy;
-  EXPECT_EQ(busy.TryLockWithTimeout(0), GLockable::kLockBusyErr);
-}
-
-TEST(GScopedLock, HoldsFromLockToScopeEnd) {
-  GMutex mutex;
-  {
-    GScopedLock lock(mutex, false, new GBlockingLockStrategy);
-    EXPECT_FALSE(lock.IsLocked());
-    EXPECT_EQ(mutex.TryLock(), 0U);
-    EXPECT_EQ(lock.Lock(), GMutex::kMutexDeadlockErr);
-    EXPECT_FALSE(lock.IsLocked());
-    EXPECT_EQ(mutex.Unlock(), 0U);
-    EXPECT_EQ(lock.Lock(), 0U);
-    EXPECT_TRUE(lock.IsLocked());
-  }
-  EXPECT_EQ(mutex.TryLock(), 0U);
+  EXPECT_EQ(SlowLockable(0).TryLockWithTimeout(600'000), 0U);
+  EXPECT_EQ(SlowLockable(7).TryLockWithTimeout(600'000), 7U);
+  EXPECT_EQ(SlowLockable(0).TryLockWithTimeout(0), GLockable::kLockBusyErr);
 }
 
 class TryOnce : public GLockStrategy {
@@ -121,60 +89,41 @@ std::atomic<int> TryOnce::sAlive{0};
 
 TEST(GScopedLock, HoldsItOnceAndLetsGoOfItsOwnOnly) {
   GRecursiveMutex mutex;
-  const auto isFree = [&mutex] {
-    return OnAnotherThread([&mutex] { return GScopedLock(mutex, false, new TryOnce).Lock(); }) == 0;
+  const auto tryIt = [&mutex] {
+    return OnAnotherThread([&mutex] { return GScopedLock(mutex, false, new TryOnce).Lock(); });
   };
   {
-    GScopedLock lock(mutex);
+    GScopedLock lock(mutex, false, new GBlockingLockStrategy);
+    EXPECT_EQ(tryIt(), 0U);
+    EXPECT_EQ(lock.Lock(), 0U);
     EXPECT_EQ(lock.Lock(), GScopedLock::kFailedToAcquireLock);
     EXPECT_TRUE(lock.IsLocked());
+    EXPECT_EQ(tryIt(), GLockable::kLockBusyErr);
   }
-  EXPECT_TRUE(isFree());
+  EXPECT_EQ(tryIt(), 0U);
   mutex.Lock();
   GScopedLock other(mutex, false);
   EXPECT_EQ(other.Unlock(), GMutex::kMutexDeadlockErr);
-  EXPECT_FALSE(isFree());
+  EXPECT_EQ(tryIt(), GLockable::kLockBusyErr);
   EXPECT_EQ(mutex.Unlock(), 0U);
-}
-
-TEST(GScopedLock, AsksItsStrategyAndFreesIt) {
-  GMutex mutex;
-  const auto tryOnce = [&mutex] { return GScopedLock(mutex, false, new TryOnce).Lock(); };
-  EXPECT_EQ(OnAnotherThread(tryOnce), 0U);
-  ASSERT_EQ(mutex.Lock(), 0U);
-  EXPECT_EQ(OnAnotherThread(tryOnce), GLockable::kLockBusyErr);
   EXPECT_EQ(TryOnce::sAlive, 0);
-  EXPECT_EQ(mutex.Unlock(), 0U);
-}
-
-struct Selfish {
-  Selfish() : itself(GSingleton<Selfish>::GetSharedInstance()) {}
-  Selfish* itself;
-};
-
-TEST(GSingleton, ConstructorThatAsksForItselfGetsNull) {
-  EXPECT_EQ(GSingleton<Selfish>::GetSharedInstance()->itself, nullptr);
 }
 
 struct Counted {
-  Counted() { sMade += 1; }
+  Counted() : itself(GSingleton<Counted>::GetSharedInstance()) { sMade += 1; }
   static std::atomic<int> sMade;
-  int payload = 17;
+  Counted* itself;
 };
 std::atomic<int> Counted::sMade{0};
 
-TEST(GSingleton, IsMadeOnceForAllThreads) {
-  std::atomic<Counted*> seen[8] = {};
+TEST(GSingleton, IsMadeOnceForAllThreadsAndGivesItsConstructorNull) {
   std::vector<std::thread> threads;
-  for (auto& slot : seen) {
-    threads.emplace_back([&slot] { slot = GSingleton<Counted>::GetSharedInstance(); });
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([] { EXPECT_NE(GSingleton<Counted>::GetSharedInstance(), nullptr); });
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(Counted::sMade, 1);
-  for (const auto& slot : seen) {
-    EXPECT_EQ(slot, GSingleton<Counted>::GetSharedInstance());
-    EXPECT_EQ(slot.load()->payload, 17);
-  }
+  EXPECT_EQ(GSingleton<Counted>::GetSharedInstance()->itself, nullptr);
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <functional>
 #include <limits>
 #include <stdexcept>
+#include <tuple>
 
 #include "foundation/JsonParser.h"
 
@@ -14,59 +14,30 @@ namespace {
 using restful_mapper::Json::Node;
 using restful_mapper::Json::Parser;
 
-std::string ErrorOf(const std::function<void()>& work) {
-  try {
-    work();
-  } catch (const std::runtime_error& error) {
-    return error.what();
-  }
-  return "";
-}
-
 TEST(JsonNode, TestsOfEachType) {
-  struct Row {
-    const char* text;
-    const char* types;  // those whose test is true
-  };
-  const Row rows[] = {
-      {"null", "null"},
-      {"\"\"", "string"},
-      {"5", "int double"},
-      {"-0", "int double"},
-      {"1.5", "double"},
-      {"1.0", "double"},
-      {"1E2", "double"},
-      {"true", "bool"},
-      {"false", "bool"},
-      {"[]", "array"},
-      {"{}", "map"},
-      {"1e999", ""},
-      {"5e-324", "double"},
-      {"9223372036854775807", "int double"},
-      {"-9223372036854775808", "int double"},
-      {"9223372036854775808", "double"},
-      {"9223372036854775870", "double"},
-  };
-  for (const Row& row : rows) {
-    Parser parser;
-    parser.load(row.text);
-    const Node node = parser.root();
-    std::string types;
-    const auto add = [&types](bool isOne, const char* type) {
-      if (isOne) types += (types.empty() ? "" : " ") + std::string(type);
-    };
-    add(node.is_null(), "null");
-    add(node.is_string(), "string");
-    add(node.is_int(), "int");
-    add(node.is_double(), "double");
-    add(node.is_bool(), "bool");
-    add(node.is_array(), "array");
-    add(node.is_map(), "map");
-    EXPECT_EQ(types, row.types) << row.text;
-    EXPECT_EQ(node.dump(), row.text);
+  const std::pair<bool (Node::*)() const, const char*> tests[] = {
+      {&Node::is_null, "null "},     {&Node::is_string, "string "}, {&Node::is_int, "int "},
+      {&Node::is_double, "double "}, {&Node::is_bool, "bool "},     {&Node::is_array, "array "},
+      {&Node::is_map, "map "}};
+  const std::pair<const char*, std::vector<const char*>> rows[] = {
+      {"null ", {"null"}},
+      {"string ", {"\"\""}},
+      {"int double ", {"5", "-0", "9223372036854775807", "-9223372036854775808"}},
+      {"double ", {"1.5", "1.0", "1E2", "5e-324", "9223372036854775808", "9223372036854775870"}},
+      {"bool ", {"true", "false"}},
+      {"array ", {"[]"}},
+      {"map ", {"{}"}},
+      {"", {"1e999"}}};
+  for (const auto& [types, texts] : rows) {
+    for (const char* text : texts) {
+      Parser parser;
+      parser.load(text);
+      std::string found;
+      for (const auto& [isOne, type] : tests) found += (parser.root().*isOne)() ? type : "";
+      EXPECT_EQ(found, types) << text;
+      EXPECT_EQ(parser.root().dump(), text);
+    }
   }
-  EXPECT_TRUE(Node().is_null());
-  EXPECT_EQ(Node().dump(), "null");
 }
 
 TEST(JsonNode, ReadersRefuseOtherTypes) {
@@ -74,53 +45,49 @@ TEST(JsonNode, ReadersRefuseOtherTypes) {
   parser.load(
       R"({"s":"text","i":5,"big":5000000000,"d":1.50,"huge":1e999,"t":true,"f":false,"n":null,
                   "a":[1,"x"],"m":{"k":"v","l":1}})");
-  const Node root = parser.root();
-  struct Row {
-    const char* key;
-    std::function<void(const Node&)> read;
-    const char* rest;  // behind: Expected JSON node "
-  };
-  const Row rows[] = {
-      {"i", [](const Node& n) { n.to_string(); }, "i\" to be STRING, found INTEGER: 5"},
-      {"s", [](const Node& n) { n.to_int(); }, "s\" to be INTEGER, found STRING: text"},
-      {"big", [](const Node& n) { n.to_int(); }, "big\" to be INTEGER, found INTEGER: 5000000000"},
-      {"d", [](const Node& n) { n.to_int64(); }, "d\" to be INTEGER, found DOUBLE: 1.50"},
-      {"huge", [](const Node& n) { n.to_double(); }, "huge\" to be DOUBLE, found DOUBLE: 1e999"},
-      {"t", [](const Node& n) { n.to_double(); }, "t\" to be DOUBLE, found BOOLEAN: true"},
-      {"f", [](const Node& n) { n.to_array(); }, "f\" to be ARRAY, found BOOLEAN: false"},
-      {"n", [](const Node& n) { n.to_bool(); }, "n\" to be BOOLEAN, found"},
-      {"a", [](const Node& n) { n.to_map(); }, "a\" to be OBJECT, found ARRAY"},
-      {"m", [](const Node& n) { n.to_int_array(); }, "m\" to be ARRAY, found OBJECT"},
-      {"a", [](const Node& n) { n.to_int_array(); }, "a[1]\" to be INTEGER, found STRING: x"},
+  const std::tuple<const char*, std::function<void(const Node&)>, const char*> rows[] = {
+      {"i", &Node::to_string, "i\" to be STRING, found INTEGER: 5"},
+      {"s", &Node::to_int, "s\" to be INTEGER, found STRING: text"},
+      {"big", &Node::to_int, "big\" to be INTEGER, found INTEGER: 5000000000"},
+      {"d", &Node::to_int64, "d\" to be INTEGER, found DOUBLE: 1.50"},
+      {"huge", &Node::to_double, "huge\" to be DOUBLE, found DOUBLE: 1e999"},
+      {"t", &Node::to_double, "t\" to be DOUBLE, found BOOLEAN: true"},
+      {"f", &Node::to_array, "f\" to be ARRAY, found BOOLEAN: false"},
+      {"n", &Node::to_bool, "n\" to be BOOLEAN, found"},
+      {"a", &Node::to_map, "a\" to be OBJECT, found ARRAY"},
+      {"a", &Node::to_int_map, "a\" to be OBJECT, found ARRAY"},
+      {"m", &Node::to_int_array, "m\" to be ARRAY, found OBJECT"},
+      {"a", &Node::to_int_array, "a[1]\" to be INTEGER, found STRING: x"},
       {"a", [](const Node& n) { n.to_array()[1].to_bool(); },
        "a[1]\" to be BOOLEAN, found STRING: x"},
-      {"m", [](const Node& n) { n.to_string_map(); }, "m[\"l\"]\" to be STRING, found INTEGER: 1"},
+      {"m", &Node::to_string_map, "m[\"l\"]\" to be STRING, found INTEGER: 1"},
       {"m", [](const Node& n) { n.to_map().at("k").to_int(); },
-       "m[\"k\"]\" to be INTEGER, found STRING: v"},
-  };
-  for (const Row& row : rows) {
-    Node node;
-    ASSERT_TRUE(root.find(row.key, node));
-    EXPECT_EQ(ErrorOf([&] { row.read(node); }), std::string("Expected JSON node \"") + row.rest);
+       "m[\"k\"]\" to be INTEGER, found STRING: v"}};
+  for (const auto& [key, read, rest] : rows) {
+    try {
+      read(parser.find(key));
+      ADD_FAILURE() << key;
+    } catch (const std::runtime_error& error) {
+      EXPECT_EQ(error.what(), std::string("Expected JSON node \"") + rest);
+    }
   }
-  EXPECT_EQ(ErrorOf([] { Node().to_string(); }), "Expected JSON node \"\" to be STRING, found");
+  EXPECT_THROW(Node().to_string(), std::runtime_error);
+  EXPECT_EQ(Node().dump(), "null");
 }
 
 TEST(JsonNode, ReadersGiveArraysAndMaps) {
-  Parser parser;
-  parser.load(R"({"i":[1,-2],"d":[1,2.5],"b":[true,false],"s":["a",""],"im":{"a":1,"a":2},
-                  "dm":{"a":0.5},"bm":{"a":true},"sm":{"b":"x","a":"y"}})");
-  const Parser& p = parser;
+  Parser p;
+  p.load(R"({"i":[1,-2],"d":[1,2.5],"b":[true,false],"s":["a",""],"im":{"a":1,"a":2},
+             "dm":{"a":0.5},"bm":{"a":true},"sm":{"b":"x","a":"y"}})");
   EXPECT_EQ(p.find("i").to_int_array(), (std::vector<int>{1, -2}));
   EXPECT_EQ(p.find("d").to_double_array(), (std::vector<double>{1, 2.5}));
   EXPECT_EQ(p.find("b").to_bool_array(), (std::vector<bool>{true, false}));
   EXPECT_EQ(p.find("s").to_string_array(), (std::vector<std::string>{"a", ""}));
-  EXPECT_EQ(p.find("im").to_int_map(), (std::map<std::string, int>{{"a", 1}}));
-  EXPECT_EQ(p.find("im/a").to_int(), 1);  // the first of two
-  EXPECT_EQ(p.find("dm").to_double_map(), (std::map<std::string, double>{{"a", 0.5}}));
-  EXPECT_EQ(p.find("bm").to_bool_map(), (std::map<std::string, bool>{{"a", true}}));
-  EXPECT_EQ(p.find("sm").to_string_map(),
-            (std::map<std::string, std::string>{{"a", "y"}, {"b", "x"}}));
+  EXPECT_EQ(p.find("im").to_int_map().at("a"), 1);  // the first of two
+  EXPECT_EQ(p.find("im/a").to_int(), 1);
+  EXPECT_EQ(p.find("dm").to_double_map().at("a"), 0.5);
+  EXPECT_TRUE(p.find("bm").to_bool_map().at("a"));
+  EXPECT_EQ(p.find("sm").to_string_map().at("b"), "x");
 }
 
 TEST(JsonNode, WritersKeepTheOrderOfCalls) {
@@ -129,18 +96,12 @@ TEST(JsonNode, WritersKeepTheOrderOfCalls) {
   Node array;
   Node map;
   Node out;
-  EXPECT_TRUE(root.add_string("z", "\"\xc3\xa9/\n", out));
-  EXPECT_EQ(out.name(), "z");
-  EXPECT_TRUE(root.add_int("i", -5, out));
+  EXPECT_TRUE(root.add_string("z", "\"\xc3\xa9/\n", out) && root.add_int("i", -5, out));
   EXPECT_TRUE(root.add_int64("low", std::numeric_limits<std::int64_t>::min(), out));
-  EXPECT_EQ(out.to_int64(), std::numeric_limits<std::int64_t>::min());
-  EXPECT_TRUE(root.add_double("d", 0.1, out));
-  EXPECT_TRUE(root.add_double("whole", 5, out));
+  EXPECT_TRUE(root.add_double("d", 0.1, out) && root.add_double("whole", 5, out));
   EXPECT_FALSE(out.is_int());
-  EXPECT_TRUE(root.add_bool("b", false, out));
-  EXPECT_TRUE(root.add_array("a", array));
-  EXPECT_TRUE(array.add_string("s", out));
-  EXPECT_TRUE(array.add_int(1, out));
+  EXPECT_TRUE(root.add_bool("b", false, out) && root.add_array("a", array));
+  EXPECT_TRUE(array.add_string("s", out) && array.add_int(1, out));
   EXPECT_EQ(out.name(), "a[1]");
   EXPECT_TRUE(array.add_int64(2, out) && array.add_double(1e30, out) && array.add_bool(true, out));
   EXPECT_TRUE(array.add_map(map) && array.add_array(out));
@@ -151,42 +112,35 @@ TEST(JsonNode, WritersKeepTheOrderOfCalls) {
             "{\"z\":\"\\\"\xc3\xa9/\\n\",\"i\":-5,\"low\":-9223372036854775808,\"d\":0.1,"
             "\"whole\":5.0,\"b\":false,\"a\":[\"s\",1,2,1e+30,true,"
             "{\"m\":{\"z\":\"twice\",\"z\":\"again\",\"a\":\"c\"}},[]]}");
-  EXPECT_TRUE(map.find("z", out));
-  EXPECT_EQ(out.to_string(), "twice");
-
   out = root;
-  EXPECT_FALSE(root.add_double("nan", std::nan(""), out));
-  EXPECT_FALSE(root.add_double("infinite", HUGE_VAL, out));
+  EXPECT_FALSE(root.add_double("nan", std::numeric_limits<double>::quiet_NaN(), out));
+  EXPECT_FALSE(root.add_double("infinite", std::numeric_limits<double>::infinity(), out));
   EXPECT_FALSE(root.add_int(1, out));
   EXPECT_FALSE(array.add_int("key", 1, out));
   EXPECT_FALSE(Node().add_int("key", 1, out));
   EXPECT_EQ(out.tree(), root.tree());  // a failure leaves it
 }
 
-// Every length from 0 on, so that any room counted wrongly is written over; also from each length
-// that was parsed.
+// Every length from 0 on, so that any room counted wrongly is written over.
 TEST(JsonNode, ValuesAddedToWhatWasParsed) {
   for (int parsed = 0; parsed < 40; ++parsed) {
     std::string elements;
     std::string fields;
     for (int i = 0; i < parsed; ++i) {
       elements += (i > 0 ? "," : "") + std::to_string(i);
-      fields += (i > 0 ? "," : "") + ("\"" + std::to_string(i) + "\":" + std::to_string(i));
+      fields += (i > 0 ? ",\"" : "\"") + std::to_string(i) + "\":" + std::to_string(i);
     }
     Parser parser;
     parser.load("{\"a\":[" + elements + "],\"m\":{" + fields + "}}");
     Node array = parser.find("a");
     Node map = parser.find("m");
     Node out;
-    const std::vector<Node> early = array.to_array();
     for (int i = parsed; i < 80; ++i) {
       ASSERT_TRUE(array.add_int(i, out) && map.add_int(std::to_string(i), i, out));
     }
     const std::vector<int> numbers = array.to_int_array();
     ASSERT_EQ(numbers.size(), 80U);
     for (int i = 0; i < 80; ++i) EXPECT_EQ(numbers[static_cast<std::size_t>(i)], i);
-    for (int i = 0; i < parsed; ++i) EXPECT_EQ(early[static_cast<std::size_t>(i)].to_int(), i);
-    EXPECT_TRUE(map.find("79", out));
     EXPECT_EQ(map.to_int_map().size(), 80U);
   }
 }
@@ -206,23 +160,14 @@ TEST(JsonNode, AddedNodesAreCopies) {
   EXPECT_EQ(root.dump(), "{\"copy\":{" + copy + ",\"self\":{" + copy + ",\"none\":null}}}");
 }
 
-TEST(JsonNode, DumpEndsAtTextThatIsNoUtf8) {
-  Parser parser;
-  Node root = parser.root();
-  Node out;
-  EXPECT_TRUE(root.add_int("first", 1, out) && root.add_string("bad", "\xff", out));
-  EXPECT_TRUE(root.add_int("last", 2, out));
-  EXPECT_EQ(root.dump(), "{\"first\":1,\"bad\"");
-}
-
 TEST(JsonNode, DumpOfTooDeepATreeEnds) {
   Parser parser;
   Node node = parser.root();
+  Node out;
   for (int depth = 1; depth < 127; ++depth) ASSERT_TRUE(node.add_map("m", node));
   EXPECT_TRUE(parser.root().dump().ends_with("{}" + std::string(126, '}')));
   ASSERT_TRUE(node.add_map("m", node));
   EXPECT_TRUE(parser.root().dump().ends_with("{\"m\":"));
-  Node out;
   EXPECT_FALSE(node.add_node("too deep", parser.root(), out));
 }
 

@@ -21,16 +21,21 @@ std::string Repeat(const std::string& text, std::size_t count) {
   return all;
 }
 
+std::string ErrorOf(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "";
+}
+
 // The dump, or the error's text.
 std::string Loaded(const std::string& text) {
   Parser parser;
-  try {
-    parser.load(text);
-    return parser.root().dump();
-  } catch (const std::runtime_error& error) {
-    EXPECT_FALSE(parser.is_loaded());
-    return error.what();
-  }
+  const std::string error = ErrorOf([&] { parser.load(text); });
+  EXPECT_EQ(parser.is_loaded(), error.empty());
+  return error.empty() ? parser.root().dump() : error;
 }
 
 TEST(JsonParser, LoadTakesJson) {
@@ -40,35 +45,25 @@ TEST(JsonParser, LoadTakesJson) {
       {R"("\u00e9\ud83d\ude00\\ud800")", "\"\xc3\xa9\xf0\x9f\x98\x80\\\\ud800\""},
       {R"({"a\u0000b":"c\u0000d"})", R"({"a":"c"})"},  // a text ends at a zero
       {R"({"b":1,"a":2,"b":3})", R"({"b":1,"a":2,"b":3})"},
-      {"[\"[[[{{{\\\"[\",[]]", "[\"[[[{{{\\\"[\",[]]"},
-  };
+      {"[\"[[[{{{\\\"[\",[]]", "[\"[[[{{{\\\"[\",[]]"}};
   for (const auto& [text, dump] : rows) EXPECT_EQ(Loaded(text), dump) << text;
 }
 
 TEST(JsonParser, LoadRefusesWhatIsNone) {
-  const std::pair<std::string, const char*> rows[] = {
-      {"", "parse error: premature EOF"},
-      {"{", "parse error: premature EOF"},
-      {"/* [", "parse error: premature EOF"},
-      {"nul", "lexical error: invalid string in json text."},
-      {"[1]x", "parse error: trailing garbage"},
-      {"{} {}", "parse error: trailing garbage"},
-      {"[1,]", "parse error: unallowed token"},
-      {"\"\xff\"", "lexical error: invalid bytes in UTF8 string."},
-      {"\"\xed\xa0\x80\"", "lexical error: invalid bytes in UTF8 string."},
-      {"\"\xc0\x80\"", "lexical error: invalid bytes in UTF8 string."},
-      {"\"\\u12", "lexical error"},
-      {"\"\\u12xy\"", "lexical error"},
-      {"\"\\", "lexical error"},
-      {R"("\ud800")", "an escape in a string is half of a surrogate pair"},
-      {R"("\ud800\u0041")", "an escape in a string is half of a surrogate pair"},
-      {R"("\udc00\ud800")", "an escape in a string is half of a surrogate pair"},
-      {R"("\\\udc00")", "an escape in a string is half of a surrogate pair"},
-      {std::string("{}\0x", 4), "a zero byte in the text"},
-  };
-  for (const auto& [text, error] : rows) {
-    EXPECT_TRUE(Loaded(text).starts_with(std::string("JSON parse error:\n") + error))
-        << text << " -> " << Loaded(text);
+  using Texts = std::vector<std::string>;
+  const std::pair<const char*, Texts> rows[] = {
+      {"parse error: premature EOF", {"", "{", "/* ["}},
+      {"parse error: trailing garbage", {"[1]x", "{} {}"}},
+      {"parse error: unallowed token", {"[1,]"}},
+      {"lexical error", {"nul", "\"\\u12", "\"\\u12xy\"", "\"\\"}},
+      {"lexical error: invalid bytes in UTF8 string.",
+       {"\"\xff\"", "\"\xed\xa0\x80\"", "\"\xc0\x80\""}},
+      {"an escape in a string is half of a surrogate pair",
+       {R"("\ud800")", R"("\ud800\u0041")", R"("\udc00\ud800")", R"("\\\udc00")"}},
+      {"a zero byte in the text", {std::string("{}\0x", 4)}}};
+  for (const auto& [error, texts] : rows) {
+    const std::string start = std::string("JSON parse error:\n") + error;
+    for (const std::string& text : texts) EXPECT_EQ(Loaded(text).substr(0, start.size()), start);
   }
 }
 
@@ -90,55 +85,40 @@ TEST(JsonParser, LimitsAreExact) {
 TEST(JsonParser, NewOneIsAnEmptyMapAndAFailureLeavesNothing) {
   Parser parser;
   EXPECT_TRUE(parser.is_loaded());
-  EXPECT_EQ(parser.root().name(), "root");
-  EXPECT_EQ(parser.root().dump(), "{}");
+  EXPECT_EQ(parser.root().name() + parser.root().dump(), "root{}");
   EXPECT_THROW(parser.load("{"), std::runtime_error);
   EXPECT_FALSE(parser.is_loaded() || parser.exists("") || !parser.empty(""));
-  try {
-    parser.root();
-    ADD_FAILURE();
-  } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "No JSON loaded in parser");
-  }
+  EXPECT_EQ(ErrorOf([&] { parser.root(); }), "No JSON loaded in parser");
 }
 
 TEST(JsonParser, PathsLeadThroughMaps) {
   Parser parser;
   parser.load(R"({"a":{"b":[1],"":{"c":5}},"n":null,"e":"","l":[],"m":{},"zero":0})");
-  const std::pair<const char*, bool> present[] = {
-      {"", true},       {"/", true},  {"a", true},     {"/a/b", true}, {"a//c", true},
-      {"a/b/0", false}, {"b", false}, {"a/b/", false}, {"n", true},    {"zero", true},
-  };
-  for (const auto& [path, isThere] : present) EXPECT_EQ(parser.exists(path), isThere) << path;
+  for (const char* path : {"", "/", "a", "/a/b", "a//c", "n", "zero"}) {
+    EXPECT_TRUE(parser.exists(path)) << path;
+  }
+  for (const char* path : {"a/b/0", "b", "a/b/"}) EXPECT_FALSE(parser.exists(path)) << path;
   for (const char* path : {"n", "e", "l", "m", "none"}) EXPECT_TRUE(parser.empty(path)) << path;
   for (const char* path : {"", "a", "a/b", "zero"}) EXPECT_FALSE(parser.empty(path)) << path;
   EXPECT_EQ(parser.find("a/b").name(), "b");
   EXPECT_EQ(parser.find("a//c").to_int(), 5);
-  try {
-    (void)parser.find("a/x");
-    ADD_FAILURE();
-  } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "JSON node \"a/x\" not found");
-  }
+  EXPECT_EQ(ErrorOf([&] { (void)parser.find("a/x"); }), "JSON node \"a/x\" not found");
 }
 
 TEST(JsonEmitter, WritesEachForm) {
   Emitter emitter;
-  EXPECT_TRUE(emitter.emit_map_open());
-  EXPECT_TRUE(emitter.emit("s", "t") && emitter.emit("z", std::string("a\0b", 3)));
+  EXPECT_TRUE(emitter.emit_map_open() && emitter.emit("z", std::string("a\0b", 3)));
   EXPECT_TRUE(emitter.emit("i", 1) && emitter.emit("l", std::int64_t{-5'000'000'000}));
   EXPECT_TRUE(emitter.emit("d", 0.5) && emitter.emit("b", true) && emitter.emit_null("n"));
-  EXPECT_TRUE(emitter.emit("is", std::vector<int>{1, 2}));
-  EXPECT_TRUE(emitter.emit("bs", std::vector<bool>{true, false}));
-  EXPECT_TRUE(emitter.emit("ss", std::vector<std::string>{"a", "b"}));
+  EXPECT_TRUE(emitter.emit("is", std::vector{1, 2}) &&
+              emitter.emit("bs", std::vector{true, false}));
   EXPECT_TRUE(emitter.emit("m", std::map<std::string, double>{{"a", 1}, {"b", 1e100}}));
   EXPECT_TRUE(emitter.emit_json("j", "[ 1.0, null ]"));
   EXPECT_TRUE(emitter.emit_array_open("a") && emitter.emit_map_open() && emitter.emit_map_close());
   EXPECT_TRUE(emitter.emit_array_close() && emitter.emit_map_close());
-  EXPECT_EQ(
-      emitter.dump(),
-      R"({"s":"t","z":"a\u0000b","i":1,"l":-5000000000,"d":0.5,"b":true,"n":null,"is":[1,2],)"
-      R"("bs":[true,false],"ss":["a","b"],"m":{"a":1.0,"b":1e+100},"j":[1.0,null],"a":[{}]})");
+  EXPECT_EQ(emitter.dump(),
+            R"({"z":"a\u0000b","i":1,"l":-5000000000,"d":0.5,"b":true,"n":null,"is":[1,2],)"
+            R"("bs":[true,false],"m":{"a":1.0,"b":1e+100},"j":[1.0,null],"a":[{}]})");
   EXPECT_FALSE(emitter.emit(1));  // the text is whole
   emitter.reset();
   EXPECT_TRUE(emitter.emit(false));
@@ -146,18 +126,17 @@ TEST(JsonEmitter, WritesEachForm) {
 }
 
 TEST(JsonEmitter, EndsAtTheFirstRefusal) {
-  const auto fails = [](const std::function<bool(Emitter&)>& step) {
+  const std::pair<std::function<bool(Emitter&)>, const char*> rows[] = {
+      {[](Emitter& emitter) { return emitter.emit("\xff"); }, "[1"},
+      {[](Emitter& emitter) { return emitter.emit(HUGE_VAL); }, "[1"},
+      {[](Emitter& emitter) { return emitter.emit_json("{"); }, "[1"},
+      {[](Emitter& emitter) { return emitter.emit_map_open() && emitter.emit(5); }, "[1,{"}};
+  for (const auto& [step, dump] : rows) {
     Emitter emitter;
     EXPECT_TRUE(emitter.emit_array_open() && emitter.emit(1));
-    EXPECT_FALSE(step(emitter));
-    EXPECT_FALSE(emitter.emit(2) || emitter.emit_array_close());
-    return emitter.dump();
-  };
-  EXPECT_EQ(fails([](Emitter& emitter) { return emitter.emit("\xff"); }), "[1");
-  EXPECT_EQ(fails([](Emitter& emitter) { return emitter.emit(HUGE_VAL); }), "[1");
-  EXPECT_EQ(fails([](Emitter& emitter) { return emitter.emit_json("{"); }), "[1");
-  EXPECT_EQ(fails([](Emitter& emitter) { return emitter.emit_map_open() && emitter.emit(5); }),
-            "[1,{");
+    EXPECT_FALSE(step(emitter) || emitter.emit(2) || emitter.emit_array_close());
+    EXPECT_EQ(emitter.dump(), dump);
+  }
 }
 
 }  // namespace
