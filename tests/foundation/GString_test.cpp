@@ -5,36 +5,20 @@
 namespace {
 
 TEST(GString, Utf8IsStrict) {
-  const std::pair<std::string_view, std::u32string_view> good[] = {
-      {"", U""},
-      {{"\0x", 2}, {U"\0x", 2}},
-      {"\xC2\x80", U"\x80"},
-      {"\xDF\xBF", U"\x7FF"},
-      {"\xE0\xA0\x80", U"\x800"},
-      {"\xED\x9F\xBF", U"\xD7FF"},
-      {"\xEE\x80\x80", U"\xE000"},
-      {"\xF0\x90\x80\x80", U"\x10000"},
-      {"\xF4\x8F\xBF\xBF", U"\x10FFFF"}};
-  for (const auto& [utf8, wide] : good) {
-    EXPECT_TRUE(GString::IsValidUtf8(utf8)) << utf8;
-    EXPECT_EQ(GString::OSUtf8ToUnicode(utf8), wide);
-    EXPECT_EQ(GString::OSUnicodeToUtf8(wide), utf8);
+  std::u32string wide;
+  for (const std::string_view text : {"", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF",
+                                      "\xEE\x80\x80", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_TRUE(GString::IsValidUtf8(text)) << text;
+    EXPECT_EQ(GString::OSUnicodeToUtf8(GString::OSUtf8ToUnicode(text)), text);
+    wide += GString::OSUtf8ToUnicode(text);
   }
-  const char* const bad[] = {"\x80",  // no lead
-                             "\xC0\x80",
-                             "\xC1\xBF",
-                             "\xE0\x9F\xBF",
-                             "\xF0\x8F\xBF\xBF",  // longer than need be
-                             "\xED\xA0\x80",
-                             "\xED\xBF\xBF",  // surrogates
-                             "\xF4\x90\x80\x80",
-                             "\xF8\x88\x80\x80\x80",
-                             "\xFF",  // above U+10FFFF
-                             "\xC3",
-                             "\xE2\x82",
-                             "a\xF0\x9F\x98",
-                             "\xC3("};  // cut, and a wrong trail
-  for (const char* text : bad) {
+  EXPECT_EQ(wide, U"\x80\x7FF\x800\xD7FF\xE000\x10000\x10FFFF");
+  EXPECT_EQ(GString::OSUtf8ToUnicode({"\0x", 2}), std::u32string(U"\0x", 2));
+  // No lead; longer than need be; surrogates; above U+10FFFF; cut, and a wrong trail.
+  for (const char* text :
+       {"\x80", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80",
+        "\xED\xBF\xBF", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF", "\xC3", "\xE2\x82",
+        "a\xF0\x9F\x98", "\xC3("}) {
     EXPECT_FALSE(GString::IsValidUtf8(text)) << testing::PrintToString(text);
     EXPECT_EQ(GString::OSUtf8ToUnicode(text), U"");
   }

@@ -103,23 +103,24 @@ TEST(Value, SharedObjectsAreReleasedOnAnyThread) {
 }
 
 TEST(FontRecord, NumbersAreReadFromText) {
-  const std::pair<Value, std::int64_t> rows[] = {{"12x", 12},
-                                                 {"x", 0},
-                                                 {"", 0},
-                                                 {" \t-7", -7},
-                                                 {"+8", 8},
-                                                 {"1.9", 1},
-                                                 {"0x10", 0},
-                                                 {"9223372036854775807", INT64_MAX},
-                                                 {"99999999999999999999", INT64_MAX},
-                                                 {"-99999999999999999999", INT64_MIN},
-                                                 {5, 5},
-                                                 {true, 0}};
+  const std::pair<const char*, std::int64_t> rows[] = {{"12x", 12},
+                                                       {"x", 0},
+                                                       {"", 0},
+                                                       {" \t-7", -7},
+                                                       {"+8", 8},
+                                                       {"1.9", 1},
+                                                       {"0x10", 0},
+                                                       {"9223372036854775807", INT64_MAX},
+                                                       {"99999999999999999999", INT64_MAX},
+                                                       {"-99999999999999999999", INT64_MIN}};
   const FontRecord record = MakeFontRecord();
-  for (const auto& [value, number] : rows) {
+  const auto read = [&record](const Value& value) {
     record->Set("k", value);
-    EXPECT_EQ(RecordInteger(record, "k"), number);
-  }
+    return RecordInteger(record, "k");
+  };
+  for (const auto& [text, number] : rows) EXPECT_EQ(read(text), number) << text;
+  EXPECT_EQ(read(5), 5);
+  EXPECT_EQ(read(true), 0);
   EXPECT_EQ(RecordInteger(record, "absent"), 0);
   SetRecordNumber(record, "k", -3);
   EXPECT_EQ(RecordString(record, "k"), "-3");
