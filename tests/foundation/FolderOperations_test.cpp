@@ -270,12 +270,7 @@ TEST_F(FolderOperations, MovesNeverReplace) {
   fs::create_symlink(tree, Path("link"));
   const auto folder = GFileSystem::OSMoveDirectory;
   const auto file = GFileSystem::OSMoveFile;
-  const struct {
-    TModuleErrorCode (*move)(const GFileSystemSpec&, const GFileSystemSpec&);
-    const char* from;
-    const char* to;
-    TModuleErrorCode code;
-  } rows[] = {
+  const std::tuple<decltype(file), const char*, const char*, TModuleErrorCode> rows[] = {
       {folder, "tree", "empty", kExists}, {folder, "tree", "tree/x", GFileSystem::kInvalidPath},
       {folder, "file", "x", kNoFolder},   {folder, "link", "x", kNoFolder},
       {file, "tree", "x", kNoFile},       {file, "none", "x", kNoFile},

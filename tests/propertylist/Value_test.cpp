@@ -60,7 +60,7 @@ TEST(Value, EqualityIsDeepAndEnds) {
   EXPECT_TRUE(one.Equals(make("b", 2, "a", "1")));  // in another order
   EXPECT_FALSE(one.Equals(make("a", "1", "c", 2)));
   EXPECT_FALSE(one.Equals(make("a", "1", "b", 2.0)));
-  EXPECT_FALSE(one.Equals(make("a", "1", "a", "1")));
+  EXPECT_FALSE(make("a", "1", "a", "1").Equals(one));
 
   const ArrayRef snake = Array::Create();
   const ArrayRef twin = Array::Create();
