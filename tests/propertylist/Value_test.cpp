@@ -15,20 +15,6 @@ using PropertyList::Dictionary;
 using PropertyList::DictionaryRef;
 using PropertyList::Value;
 
-TEST(Value, KnowsItsKind) {
-  EXPECT_EQ(Value().Kind(), kPLNull);
-  EXPECT_EQ(Value(true).Kind(), kPLBool);
-  EXPECT_EQ(Value(1).Kind(), kPLInteger);
-  EXPECT_EQ(Value(1.5).Kind(), kPLReal);
-  EXPECT_EQ(Value("1").Kind(), kPLStringKind);
-  EXPECT_EQ(Value(PropertyList::Data{1}).Kind(), kPLData);
-  EXPECT_EQ(Value(Array::Create()).Kind(), kPLArrayKind);
-  EXPECT_EQ(Value(Dictionary::Create()).Kind(), kPLDictionaryKind);
-  EXPECT_TRUE(Value(ArrayRef()).IsNull());
-  EXPECT_TRUE(Value(DictionaryRef()).IsNull());
-  EXPECT_EQ(Value(1).AsBool(), nullptr);
-}
-
 TEST(Value, ContainersAreSharedNotCopied) {
   const DictionaryRef record = Dictionary::Create();
   const ArrayRef first = Array::Create();
@@ -38,11 +24,11 @@ TEST(Value, ContainersAreSharedNotCopied) {
   EXPECT_EQ(record->GetRetainCount(), 3U);
   first->DictionaryAt(0)->Set("a", 1);
   EXPECT_TRUE(second->DictionaryAt(0)->Has("a"));
-  const ArrayRef copy = first->Copy();
-  copy->Clear();
+  first->Copy()->Clear();
   EXPECT_EQ(first->Count(), 1U);
   EXPECT_FALSE(first->DictionaryAt(1));
-  first->Set(0, Value());
+  first->Set(0, DictionaryRef());
+  EXPECT_TRUE(first->At(0).IsNull());
   EXPECT_FALSE(first->DictionaryAt(0));
   second->Remove(0);
   EXPECT_EQ(record->GetRetainCount(), 1U);
@@ -50,39 +36,31 @@ TEST(Value, ContainersAreSharedNotCopied) {
 
 TEST(Value, DictionariesKeepTheirOrder) {
   const DictionaryRef record = Dictionary::Create();
-  record->Set("b", "1");
-  record->Set("a", Array::Create());
+  for (const char* key : {"b", "a", "c", "b"}) record->Set(key, key);
   record->Set("c", 3);
-  record->Set("b", "2");
   EXPECT_TRUE(record->Remove("a"));
   EXPECT_FALSE(record->Remove("a"));
   ASSERT_EQ(record->Count(), 2U);
   EXPECT_EQ(record->Entries()[0].first, "b");
-  EXPECT_EQ(*record->GetString("b"), "2");
+  EXPECT_EQ(*record->GetString("b"), "b");
   EXPECT_EQ(record->GetString("c"), nullptr);
   EXPECT_FALSE(record->GetArray("b"));
 }
 
 TEST(Value, EqualityIsDeepAndEnds) {
-  const auto make = [](const char* first, const char* second) {
+  const auto make = [](const char* first, Value one, const char* second, Value other) {
     const DictionaryRef inner = Dictionary::Create();
-    inner->Set(first, "1");
-    inner->Set(second, 2.5);
+    inner->Set(first, std::move(one));
+    inner->Set(second, std::move(other));
     const ArrayRef outer = Array::Create();
     outer->Append(inner);
     return Value(outer);
   };
-  EXPECT_TRUE(make("a", "b").Equals(make("a", "b")));
-  EXPECT_FALSE(make("a", "b").Equals(make("a", "c")));
-  const DictionaryRef one = Dictionary::Create();
-  const DictionaryRef other = Dictionary::Create();
-  one->Set("a", 1);
-  one->Set("b", "x");
-  other->Set("b", "x");
-  other->Set("a", 1);
-  EXPECT_TRUE(Value(one).Equals(other));  // in another order
-  EXPECT_FALSE(Value(1).Equals(1.0));
-  EXPECT_FALSE(Value(1).Equals(true));
+  const Value one = make("a", "1", "b", 2);
+  EXPECT_TRUE(one.Equals(make("b", 2, "a", "1")));  // in another order
+  EXPECT_FALSE(one.Equals(make("a", "1", "c", 2)));
+  EXPECT_FALSE(one.Equals(make("a", "1", "b", 2.0)));
+  EXPECT_FALSE(make("a", "1", "a", "1").Equals(one));
 
   const ArrayRef snake = Array::Create();
   const ArrayRef twin = Array::Create();
@@ -96,18 +74,13 @@ TEST(Value, EqualityIsDeepAndEnds) {
 
 TEST(Value, DeepNestingIsFreedWithoutRecursion) {
   Value chain;
-  for (int i = 0; i < 1'000'000; ++i) {
-    if (i % 2 == 0) {
-      const ArrayRef array = Array::Create();
-      array->Append(std::move(chain));
-      chain = array;
-    } else {
-      const DictionaryRef dictionary = Dictionary::Create();
-      dictionary->Set("k", std::move(chain));
-      chain = dictionary;
-    }
+  for (int i = 0; i < 500'000; ++i) {
+    const ArrayRef array = Array::Create();
+    array->Append(std::move(chain));
+    const DictionaryRef dictionary = Dictionary::Create();
+    dictionary->Set("k", array);
+    chain = dictionary;
   }
-  EXPECT_EQ(chain.Kind(), kPLDictionaryKind);
   chain = Value();
   EXPECT_TRUE(chain.IsNull());
 }
@@ -130,28 +103,24 @@ TEST(Value, SharedObjectsAreReleasedOnAnyThread) {
 }
 
 TEST(FontRecord, NumbersAreReadFromText) {
-  const std::pair<const char*, std::int64_t> rows[] = {
-      {"12", 12},
-      {"12x", 12},
-      {"x", 0},
-      {"", 0},
-      {" \t-7", -7},
-      {"+8", 8},
-      {"1.9", 1},
-      {"0x10", 0},
-      {"9223372036854775807", INT64_MAX},
-      {"99999999999999999999", INT64_MAX},
-      {"-99999999999999999999", INT64_MIN},
-  };
+  const std::pair<const char*, std::int64_t> rows[] = {{"12x", 12},
+                                                       {"x", 0},
+                                                       {"", 0},
+                                                       {" \t-7", -7},
+                                                       {"+8", 8},
+                                                       {"1.9", 1},
+                                                       {"0x10", 0},
+                                                       {"9223372036854775807", INT64_MAX},
+                                                       {"99999999999999999999", INT64_MAX},
+                                                       {"-99999999999999999999", INT64_MIN}};
   const FontRecord record = MakeFontRecord();
-  for (const auto& [text, number] : rows) {
-    record->Set("k", text);
-    EXPECT_EQ(RecordInteger(record, "k"), number) << text;
-  }
-  record->Set("k", 5);
-  EXPECT_EQ(RecordInteger(record, "k"), 5);
-  record->Set("k", true);
-  EXPECT_EQ(RecordInteger(record, "k"), 0);
+  const auto read = [&record](const Value& value) {
+    record->Set("k", value);
+    return RecordInteger(record, "k");
+  };
+  for (const auto& [text, number] : rows) EXPECT_EQ(read(text), number) << text;
+  EXPECT_EQ(read(5), 5);
+  EXPECT_EQ(read(true), 0);
   EXPECT_EQ(RecordInteger(record, "absent"), 0);
   SetRecordNumber(record, "k", -3);
   EXPECT_EQ(RecordString(record, "k"), "-3");
@@ -159,26 +128,22 @@ TEST(FontRecord, NumbersAreReadFromText) {
 
 TEST(FontRecord, DatabaseIDsAndFlags) {
   const FontRecord record = MakeFontRecord();
-  EXPECT_EQ(RecordDatabaseID(record), 0U);
-  record->Set(kFP_DatabaseIDKey, "4294967295");
-  EXPECT_EQ(RecordDatabaseID(record), 4294967295U);
-  record->Set(kFP_DatabaseIDKey, "4294967297");
-  EXPECT_EQ(RecordDatabaseID(record), 1U);
-  record->Set(kFP_DatabaseIDKey, "-2");
-  EXPECT_EQ(RecordDatabaseID(record), 4294967294U);
-  record->Set(kFP_IsActiveKey, "1");
-  EXPECT_TRUE(RecordFlag(record, kFP_IsActiveKey));
-  record->Set(kFP_IsActiveKey, "01");
-  EXPECT_FALSE(RecordFlag(record, kFP_IsActiveKey));
-  record->Set(kFP_IsActiveKey, true);
-  EXPECT_FALSE(RecordFlag(record, kFP_IsActiveKey));
+  for (const auto& [text, number] : {std::pair("4294967295", 4294967295U),
+                                     std::pair("4294967297", 1U), std::pair("-2", 4294967294U)}) {
+    record->Set(kFP_DatabaseIDKey, text);
+    EXPECT_EQ(RecordDatabaseID(record), number);
+  }
+  for (const auto& [value, flag] : {std::pair(Value("1"), true), std::pair(Value("01"), false),
+                                    std::pair(Value(true), false)}) {
+    record->Set(kFP_IsActiveKey, value);
+    EXPECT_EQ(RecordFlag(record, kFP_IsActiveKey), flag);
+  }
 }
 
 TEST(FontRecord, NullRecordsAnswerAbsent) {
   const FontRecord none;
   EXPECT_EQ(RecordString(none, "k"), "");
   EXPECT_FALSE(RecordHas(none, "k"));
-  EXPECT_EQ(RecordInteger(none, "k"), 0);
   EXPECT_EQ(RecordDatabaseID(none), 0U);
   EXPECT_FALSE(RecordFlag(none, "k"));
   SetRecordNumber(none, "k", 1);
