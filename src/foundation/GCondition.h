@@ -4,8 +4,9 @@
 // clears "signaled" as it wakes, but only once Reset was called: Reset clears "signaled" and turns
 // the event into one that resets itself, for good.
 //
-// Waiters are woken in the order in which they fell asleep, and no wake-up is lost or taken by
-// another: one that a Signal or Broadcast met returns, even if the event is cleared before it runs.
+// Waiters are woken in the order in which they fell asleep, and each that a Signal or Broadcast met
+// returns, even if the event is cleared before it runs. In an event that resets itself a woken wait
+// clears the flag when it runs, that of a later Signal too.
 // [any-thread] All operations; the destructor when nobody uses it any more.
 #pragma once
 

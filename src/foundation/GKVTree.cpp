@@ -4,23 +4,40 @@
 
 #include "foundation/GValueImpl.h"
 
-// Takes the trees that nothing but `values` holds.
-void GKVTree::TakeTreesOut(Map& values, std::vector<GKVTreePtr>& trees) {
+// What is still to be taken apart. Each holder of what is shared is let go of on its own, so that
+// the last one finds it held by nobody else.
+struct GKVTree::Remains {
+  std::vector<GValue> values;
+  std::vector<GKVTreePtr> trees;
+};
+
+void GKVTree::TakeApart(Map& values, Remains& remains) {
   for (auto& [key, value] : values) {
     if (value.GetValueType() != GValue::kValueType_kvtree) continue;
-    if (value.m_dataPtr.use_count() != 1) continue;
-    for (GValueImpl& element : *value.m_dataPtr) trees.push_back(std::move(element.Tree()));
-    value.m_dataPtr->clear();
+    remains.values.push_back(value);
+    value = GValue();
   }
 }
 
+void GKVTree::TakeApart(const GValue& value, Remains& remains) {
+  if (value.m_dataPtr.use_count() != 1) return;
+  for (GValueImpl& element : *value.m_dataPtr) remains.trees.push_back(std::move(element.Tree()));
+  value.m_dataPtr->clear();
+}
+
 GKVTree::~GKVTree() {
-  std::vector<GKVTreePtr> trees;
-  TakeTreesOut(m_values, trees);
-  while (!trees.empty()) {
-    const GKVTreePtr tree = std::move(trees.back());
-    trees.pop_back();
-    if (tree && tree.use_count() == 1) TakeTreesOut(tree->m_values, trees);
+  Remains remains;
+  TakeApart(m_values, remains);
+  while (!remains.values.empty() || !remains.trees.empty()) {
+    if (!remains.trees.empty()) {
+      const GKVTreePtr tree = std::move(remains.trees.back());
+      remains.trees.pop_back();
+      if (tree && tree.use_count() == 1) TakeApart(tree->m_values, remains);
+    } else {
+      const GValue value = remains.values.back();
+      remains.values.pop_back();
+      TakeApart(value, remains);
+    }
   }
 }
 

@@ -73,7 +73,9 @@ class GKVTree : public GLibXMLSerializable {
   TModuleErrorCode ReadXMLEntry(const GLibXMLNode& entry, unsigned int depth);
   TModuleErrorCode AppendXML(std::string& xml, int indent, unsigned int depth) const;
   TModuleErrorCode MakeJSON(nlohmann::json& json, unsigned int depth, std::size_t& room) const;
-  static void TakeTreesOut(Map& values, std::vector<GKVTreePtr>& trees);
+  struct Remains;
+  static void TakeApart(Map& values, Remains& remains);
+  static void TakeApart(const GValue& value, Remains& remains);
 
   Map m_values;
 };

@@ -1,9 +1,11 @@
 #include "foundation/GLibXMLDoc.h"
 
+#include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 
+#include <algorithm>
 #include <string_view>
 
 #include "foundation/ErrorChecks.h"
@@ -23,6 +25,18 @@ void RefuseDocumentType(void* parser, const xmlChar*, const xmlChar*, const xmlC
   xmlStopParser(context);
 }
 
+// The format knows no namespaces, and the library looks through all that are open for each name.
+void StartElement(void* parser, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
+                  int namespaces, const xmlChar** declared, int attributes, int defaulted,
+                  const xmlChar** values) {
+  if (namespaces > 0) {
+    RefuseDocumentType(parser, nullptr, nullptr, nullptr);
+  } else {
+    xmlSAX2StartElementNs(parser, name, prefix, uri, namespaces, declared, attributes, defaulted,
+                          values);
+  }
+}
+
 bool IsPlainText(std::string_view text) {
   return text.find('\0') == std::string_view::npos && GString::IsValidUtf8(text);
 }
@@ -32,8 +46,12 @@ bool HasFewAttributes(std::string_view xml) {
   bool isInTag = false;
   char quote = 0;
   unsigned int count = 0;
-  for (const char c : xml) {
-    if (c == '<') {
+  for (std::size_t at = 0; at < xml.size(); ++at) {
+    const char c = xml[at];
+    if (c == '<' && xml.substr(at).starts_with("<!--")) {
+      at = std::min(xml.find("-->", at), xml.size());
+      isInTag = false;
+    } else if (c == '<') {
       isInTag = true;
       quote = 0;
       count = 0;
@@ -65,6 +83,7 @@ TModuleErrorCode GLibXMLDoc::SetFromBuffer(const char* buffer, unsigned long siz
   const std::unique_ptr<xmlParserCtxt, FreeContext> context(xmlNewParserCtxt());
   G_CHECK_CONDITION(context == nullptr, CoreErrorCodes::kOutOfMemory);
   context->sax->internalSubset = RefuseDocumentType;
+  context->sax->startElementNs = StartElement;
   std::unique_ptr<xmlDoc, Free> document(xmlCtxtReadMemory(
       context.get(), buffer, static_cast<int>(size), nullptr, "UTF-8",
       XML_PARSE_NONET | XML_PARSE_IGNORE_ENC | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));

@@ -87,7 +87,8 @@ class GLogger {
   // Leaves only "default", at warning.
   void ResetAllLoggingLevels();
 
-  // Takes ownership; deletes and replaces an appender of that name; null removes it.
+  // Takes ownership; deletes and replaces an appender of that name; null removes it. Not from
+  // within an appender, where the lock is refused and the new one deleted.
   void SetAppender(const std::string& identifier, GLogAppender* appender);
   // Lent; null if there is none.
   GLogAppender* GetAppender(const std::string& identifier);
@@ -106,8 +107,8 @@ class GLogger {
   std::map<std::string, std::unique_ptr<GLogAppender>> mAppenders;
   GMutex mLevelsMutex;
   std::map<std::string, LoggingLevel, std::less<>> mLevels;  // by lower-case identifier
-  const LoggingLevel* mDefaultLevel = nullptr;               // that of "default" in mLevels
   const std::string mDefaultIdentifier = "default";
+  const LoggingLevel* mDefaultLevel = nullptr;  // that of "default" in mLevels
   // The highest level that an identifier of the bucket can have: what is above needs no look-up.
   std::array<std::atomic<LoggingLevel>, 64> mHighestLevels{};
 };

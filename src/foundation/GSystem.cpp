@@ -46,15 +46,15 @@ TModuleErrorCode GSystem::InitializeSockets() {
 
 TModuleErrorCode GSystem::UninitializeSockets() {
   SocketUsers& users = GetSocketUsers();
-  const GScopedLock lock(users.mutex);
-  users.s_nInitCount -= 1;
-  if (users.s_nInitCount < 0) {
+  {
+    const GScopedLock lock(users.mutex);
+    if (users.s_nInitCount == 1) G_CHECK_CALL(OSUninitializeSockets());
+    users.s_nInitCount -= 1;
+    if (users.s_nInitCount >= 0) return 0;
     users.s_nInitCount = 0;
-    WriteErrorRecord(1, __FILE__, __LINE__, "s_nInitCount < 0", CoreErrorCodes::kNotInitialized);
-    return CoreErrorCodes::kNotInitialized;
   }
-  if (users.s_nInitCount == 0) G_CHECK_CALL(OSUninitializeSockets());
-  return 0;
+  WriteErrorRecord(1, __FILE__, __LINE__, "s_nInitCount < 0", CoreErrorCodes::kNotInitialized);
+  return CoreErrorCodes::kNotInitialized;
 }
 
 bool GSystem::AreSocketsInitialized() {

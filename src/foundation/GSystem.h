@@ -85,7 +85,8 @@ class GSystem {
   // by the rule of SelectPrimaryMACAddress. On Linux the Ethernet kind (wireless included) in the
   // order of their indexes, primary the one of the default route, the cheapest if there are several
   // and IPv6's only if IPv4 has none; bridges, tunnels and containers' interfaces have no device.
-  // Empty, and code 0, on a machine without one.
+  // Empty, and code 0, on a machine without one; CoreErrorCodes::kError if the system does not list
+  // its interfaces.
   static TModuleErrorCode GetPrimaryMACAddress(std::string& address);
   static TModuleErrorCode OSGetPrimaryMACAddress(std::string& address);
 

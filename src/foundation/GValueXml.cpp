@@ -71,11 +71,12 @@ TModuleErrorCode ConvertBits(bool isNegative, std::uint64_t& bits) {
 template <class T>
 TModuleErrorCode ParseInteger(std::string_view text, std::uint64_t& bits) {
   G_CHECK_CONDITION(text.empty(), GLibXMLSerializable::kRequiredTextIsBlank);
-  const bool isNegative = text.starts_with('-');
+  bool isNegative = text.starts_with('-');
   if (isNegative) {
     std::int64_t number = 0;
     G_CHECK_CALL(ParseDigits(text, 10, number));
     bits = static_cast<std::uint64_t>(number);
+    isNegative = number < 0;
   } else if (text.starts_with("0x")) {
     G_CHECK_CALL(ParseDigits(text.substr(2), 16, bits));
   } else {

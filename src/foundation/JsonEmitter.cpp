@@ -8,6 +8,7 @@
 #include <exception>
 #include <new>
 
+#include "foundation/GString.h"
 #include "foundation/JsonParser.h"
 #include "foundation/JsonTree.h"
 
@@ -27,7 +28,9 @@ bool Emitter::Keep(int status) {
   return !mHasFailed;
 }
 
+// yajl's own check takes halves of surrogate pairs and characters in too many bytes.
 bool Emitter::EmitText(const char* text, std::size_t length) {
+  if (!GString::IsValidUtf8({text, length})) return Keep(yajl_gen_invalid_string);
   return !mHasFailed && Keep(yajl_gen_string(mGenerator.get(),
                                              reinterpret_cast<const unsigned char*>(text), length));
 }

@@ -78,6 +78,7 @@ class TextScan {
     const std::optional<unsigned> unit = ReadHexDigits(mText, mAt + 1);
     if (!unit) return;
     mAt += 4;
+    if (*unit == 0) mFault = "an escaped zero byte in a string";
     if (IsLowSurrogate(*unit)) mFault = kHalfPair;
     if (!IsHighSurrogate(*unit)) return;
     const std::optional<unsigned> second = mText.substr(mAt + 1).starts_with("\\u")

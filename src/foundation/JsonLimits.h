@@ -16,8 +16,9 @@ inline constexpr std::size_t kMaxDepth = 127;
 inline constexpr std::size_t kMaxValues = std::size_t{1} << 20;
 
 // Why the text is refused unparsed, or null. Beside the limits: a zero byte, behind which a parser
-// of C strings would not look, and an escape that is half of a surrogate pair and stands for no
-// character. Comments are skipped as yajl skips them. One pass, no memory. [any-thread]
+// of C strings would not look, the escape of one, and an escape that is half of a surrogate pair
+// and stands for no character. Comments are skipped as yajl skips them. One pass, no memory.
+// [any-thread]
 [[nodiscard]] const char* FindTextFault(std::string_view text);
 
 }  // namespace restful_mapper::Json

@@ -26,7 +26,7 @@ class Node {
   yajl_val_s* tree() const { return mValue; }
 
   // Tests. An integer has yajl's double flag too, so that is_double is true of it; a number beyond
-  // 64 bits is no integer, and one beyond a double ("1e999") is neither.
+  // 64 bits is no integer, and one beyond a double ("1e999") or below one ("1e-400") is neither.
   bool is_null() const;
   bool is_string() const;
   bool is_int() const;

@@ -92,9 +92,9 @@ void OutputFormattedDebugString(const char* format, ...) {
   va_end(arguments);
 }
 
-#ifdef AUTOACTIVATION_TRACE
-int gIndentationLevel = 0;
+constinit int gIndentationLevel = 0;
 
+#ifdef AUTOACTIVATION_TRACE
 void OutputIndentedAndFormattedString(int, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

@@ -33,8 +33,9 @@ void OutputFormattedDebugString(const char* format, ...) __attribute__((format(p
 // AUTOACTIVATION_TRACE and gets the lines of OutputFormattedDebugString. Any other build writes and
 // formats nothing: a call vanishes, except for work that its arguments do, so those should be
 // values at hand.
+// For an indentation that nobody makes yet: stays 0. Of this library alone.
+extern int gIndentationLevel __attribute__((visibility("hidden")));
 #ifdef AUTOACTIVATION_TRACE
-extern int gIndentationLevel;  // for an indentation that nobody makes yet: stays 0
 void OutputIndentedAndFormattedString(int indentChange, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
 #else

@@ -30,26 +30,28 @@ PLStringRef PropertyList::Border::CopyXml(const Value& value) {
 #pragma GCC visibility push(default)
 extern "C" {
 
-PLStringRef PLStringCreate(const char* bytes, size_t length) {
+PLStringRef PLStringCreate(const char* bytes, size_t length) noexcept {
   return new PLString(TextOf(bytes, length));
 }
 
-PLStringRef PLStringRetain(PLStringRef string) { return Retained(string); }
+PLStringRef PLStringRetain(PLStringRef string) noexcept { return Retained(string); }
 
-void PLStringRelease(PLStringRef string) { Released(string); }
+void PLStringRelease(PLStringRef string) noexcept { Released(string); }
 
-const char* PLStringGetText(PLStringRef string) {
+const char* PLStringGetText(PLStringRef string) noexcept {
   return string == nullptr ? "" : string->text.c_str();
 }
 
-size_t PLStringGetLength(PLStringRef string) { return string == nullptr ? 0 : string->text.size(); }
+size_t PLStringGetLength(PLStringRef string) noexcept {
+  return string == nullptr ? 0 : string->text.size();
+}
 
-PLArrayRef PLArrayCreateFromXml(const char* bytes, size_t length) {
+PLArrayRef PLArrayCreateFromXml(const char* bytes, size_t length) noexcept {
   const std::optional<Value> value = Read(bytes, length);
   return value ? Retained(ArrayOf(&*value)) : nullptr;
 }
 
-PLDictionaryRef PLDictionaryCreateFromXml(const char* bytes, size_t length) {
+PLDictionaryRef PLDictionaryCreateFromXml(const char* bytes, size_t length) noexcept {
   const std::optional<Value> value = Read(bytes, length);
   return value ? Retained(DictionaryOf(&*value)) : nullptr;
 }

@@ -21,8 +21,8 @@ inline std::size_t CountOf(const FontRecordArray& fonts) { return fonts ? fonts-
 // The string under a key; empty for a null record, an absent key or another kind.
 std::string RecordString(const FontRecord& record, std::string_view key);
 bool RecordHas(const FontRecord& record, std::string_view key);
-// The integer value of a string as far as it is one ("12x" is 12, "x" is 0), wrapped to the type;
-// 0 if absent. A number stored as an integer counts as it is.
+// The integer value of a string as far as it is one ("12x" is 12, "x" is 0), within the type's
+// limits; 0 if absent. A number stored as an integer counts as it is.
 std::int64_t RecordInteger(const FontRecord& record, std::string_view key);
 // The database ID, 0 for none.
 std::uint32_t RecordDatabaseID(const FontRecord& record);

@@ -8,20 +8,8 @@ namespace {
 
 constexpr int kMaxEqualsDepth = 64;
 
-bool AreEqual(const Array& a, const Array& b, int depth) {
-  return std::equal(a.Values().begin(), a.Values().end(), b.Values().begin(), b.Values().end(),
-                    [depth](const Value& x, const Value& y) { return x.Equals(y, depth); });
-}
-
-// In any order of the keys.
-bool AreEqual(const Dictionary& a, const Dictionary& b, int depth) {
-  if (a.Count() != b.Count()) return false;
-  return std::all_of(a.Entries().begin(), a.Entries().end(),
-                     [&b, depth](const Dictionary::Entry& entry) {
-                       const Value* other = b.Find(entry.first);
-                       return other != nullptr && entry.second.Equals(*other, depth);
-                     });
-}
+// Of values, so that containers which share much come to an end.
+constexpr std::size_t kMaxComparisons = std::size_t{1} << 20;
 
 }  // namespace
 
@@ -50,8 +38,19 @@ Value::Value(DictionaryRef value) {
 
 Value::Value(const Value& other) = default;
 Value::Value(Value&& other) noexcept = default;
-Value& Value::operator=(const Value& other) = default;
-Value& Value::operator=(Value&& other) noexcept = default;
+
+// What is assigned may stand within what is replaced.
+Value& Value::operator=(const Value& other) {
+  Value copy(other);
+  mValue.swap(copy.mValue);
+  return *this;
+}
+Value& Value::operator=(Value&& other) noexcept {
+  Value taken(std::move(other));
+  mValue.swap(taken.mValue);
+  return *this;
+}
+
 Value::~Value() = default;
 
 PLKind Value::Kind() const {
@@ -71,17 +70,40 @@ Dictionary* Value::AsDictionary() const {
   return dictionary == nullptr ? nullptr : dictionary->Get();
 }
 
-bool Value::Equals(const Value& other, int depth) const {
-  if (mValue.index() != other.mValue.index()) return false;
-  // Kinds without a value inside of them, and one and the same container.
-  if (mValue == other.mValue) return true;
-  if (depth >= kMaxEqualsDepth) return false;
-  if (const Array* array = AsArray()) return AreEqual(*array, *other.AsArray(), depth + 1);
-  if (const Dictionary* dictionary = AsDictionary()) {
-    return AreEqual(*dictionary, *other.AsDictionary(), depth + 1);
+struct Value::Comparison {
+  std::size_t left = kMaxComparisons;
+
+  bool Compare(const Value& a, const Value& b, int depth) {
+    if (left == 0 || a.mValue.index() != b.mValue.index()) return false;
+    left -= 1;
+    // Kinds without a value inside of them, and one and the same container.
+    if (a.mValue == b.mValue) return true;
+    if (depth >= kMaxEqualsDepth) return false;
+    if (const Array* array = a.AsArray()) return Compare(*array, *b.AsArray(), depth + 1);
+    if (const Dictionary* dictionary = a.AsDictionary()) {
+      return Compare(*dictionary, *b.AsDictionary(), depth + 1);
+    }
+    return false;
   }
-  return false;
-}
+
+  bool Compare(const Array& a, const Array& b, int depth) {
+    return std::equal(
+        a.Values().begin(), a.Values().end(), b.Values().begin(), b.Values().end(),
+        [this, depth](const Value& x, const Value& y) { return Compare(x, y, depth); });
+  }
+
+  // In any order of the keys.
+  bool Compare(const Dictionary& a, const Dictionary& b, int depth) {
+    if (a.Count() != b.Count()) return false;
+    return std::all_of(a.Entries().begin(), a.Entries().end(),
+                       [this, &b, depth](const Dictionary::Entry& entry) {
+                         const Value* other = b.Find(entry.first);
+                         return other != nullptr && Compare(entry.second, *other, depth);
+                       });
+  }
+};
+
+bool Value::Equals(const Value& other) const { return Comparison().Compare(*this, other, 0); }
 
 DictionaryRef Array::DictionaryAt(std::size_t index) const {
   if (index >= mValues.size()) return nullptr;

@@ -125,10 +125,12 @@ class Value {
   Dictionary* AsDictionary() const;
 
   // Deep equality. A container equals itself; two of them that are nested deeper than 64 levels, or
-  // without end, are unequal.
-  bool Equals(const Value& other, int depth = 0) const;
+  // without end, or hold more than 2^20 values, are unequal.
+  bool Equals(const Value& other) const;
 
  private:
+  struct Comparison;
+
   std::variant<std::monostate, bool, std::int64_t, double, std::string, Data, ArrayRef,
                DictionaryRef>
       mValue;

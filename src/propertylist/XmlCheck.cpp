@@ -7,7 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/GStringUtils.h"
 #include "foundation/XMLText.h"
+#include "propertylist/XmlEntities.h"
 #include "propertylist/XmlForm.h"
 
 namespace PropertyList {
@@ -15,10 +17,6 @@ namespace PropertyList {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
-// "#x10FFFF", as much as the library reads.
-constexpr std::size_t kMaxEntityLength = 8;
-// The library moves the rest of a text at each entity: bytes that it may move for one list.
-constexpr std::uint64_t kMaxBytesMoved = std::uint64_t{1} << 31;
 
 std::string_view StripBlanks(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -73,40 +71,6 @@ bool IsBase64(std::string_view text) {
   return count % 4 == 0 && padding <= 2;
 }
 
-bool IsXmlCharacter(std::uint32_t character) {
-  if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
-  return character < 0xD800 || (character > 0xDFFF && character < 0xFFFE) ||
-         (character > 0xFFFF && character <= 0x10FFFF);
-}
-
-// The part between "&#" and ";".
-bool IsCharacterReference(std::string_view digits) {
-  int base = 10;
-  if (digits.starts_with('x')) {
-    digits.remove_prefix(1);
-    base = 16;
-  }
-  std::uint32_t character = 0;
-  const char* const last = digits.data() + digits.size();
-  const auto [end, error] = std::from_chars(digits.data(), last, character, base);
-  return error == std::errc() && end == last && IsXmlCharacter(character);
-}
-
-bool AreEntitiesKnown(std::string_view text) {
-  constexpr std::string_view kNames[] = {"amp", "lt", "gt", "apos", "quot"};
-  for (std::size_t start = text.find('&'); start != std::string_view::npos;
-       start = text.find('&', start + 1)) {
-    const std::size_t end = text.substr(0, start + kMaxEntityLength + 2).find(';', start);
-    if (end == std::string_view::npos) return false;
-    const std::string_view entity = text.substr(start + 1, end - start - 1);
-    const bool isKnown = entity.starts_with('#') ? IsCharacterReference(entity.substr(1))
-                                                 : std::find(std::begin(kNames), std::end(kNames),
-                                                             entity) != std::end(kNames);
-    if (!isKnown) return false;
-  }
-  return true;
-}
-
 enum class Place { eInArray, eAtKey, eAtValue };
 
 struct Container {
@@ -122,7 +86,7 @@ struct Tag {
 
 class Checker {
  public:
-  explicit Checker(std::string_view xml) : mRest(xml) {}
+  explicit Checker(std::string_view xml) : mRest(xml), mKept(xml) {}
 
   bool Check() {
     while (SkipBetweenElements()) {
@@ -131,6 +95,12 @@ class Checker {
       if (!tag || !CheckTag(*tag)) return false;
     }
     return false;
+  }
+
+  // After a check that went well.
+  std::string TakeXml() {
+    mXml.append(mKept);
+    return std::move(mXml);
   }
 
  private:
@@ -255,7 +225,7 @@ class Checker {
     if (tag.isEmpty) return true;
     for (;;) {
       const std::size_t end = std::min(mRest.find('<'), mRest.size());
-      if (!AcceptEntities(mRest.substr(0, end))) return false;
+      if (!ReplaceEntities(mRest.substr(0, end))) return false;
       mRest.remove_prefix(end);
       if (!mRest.starts_with("<![CDATA[")) return TakeClosingTag(tag.name);
       mRest.remove_prefix(9);
@@ -263,10 +233,17 @@ class Checker {
     }
   }
 
-  bool AcceptEntities(std::string_view text) {
-    const auto count = static_cast<std::uint64_t>(std::count(text.begin(), text.end(), '&'));
-    mBytesMoved += count * text.size();
-    return mBytesMoved <= kMaxBytesMoved && AreEntitiesKnown(text);
+  // The library moves the rest of a text at each entity: it gets a section without any.
+  bool ReplaceEntities(std::string_view text) {
+    if (text.find('&') == std::string_view::npos) return true;
+    const std::optional<std::string> decoded = DecodeEntities(text);
+    if (!decoded) return false;
+    mXml.append(mKept.substr(0, static_cast<std::size_t>(text.data() - mKept.data())));
+    mXml.append("<![CDATA[");
+    mXml.append(GStringUtils::StringReplace(*decoded, "]]>", "]]]]><![CDATA[>"));
+    mXml.append("]]>");
+    mKept.remove_prefix(static_cast<std::size_t>(text.data() + text.size() - mKept.data()));
+    return true;
   }
 
   std::optional<std::string_view> TakeSimpleText(const Tag& tag) {
@@ -283,17 +260,21 @@ class Checker {
   }
 
   std::string_view mRest;
+  std::string_view mKept;  // what mXml does not have yet
+  std::string mXml;
   std::vector<Container> mContainers;
   std::size_t mValueCount = 0;
-  std::uint64_t mBytesMoved = 0;
   bool mHasRoot = false;
   bool mIsInPlist = false;
 };
 
 }  // namespace
 
-bool IsXmlPropertyList(std::string_view xml) {
-  return xml.size() <= kMaxXmlBytes && XMLText::IsPossible(xml) && Checker(xml).Check();
+std::optional<std::string> CheckXml(std::string_view xml) {
+  if (xml.size() > kMaxXmlBytes || !XMLText::IsPossible(xml)) return std::nullopt;
+  Checker checker(xml);
+  if (!checker.Check()) return std::nullopt;
+  return checker.TakeXml();
 }
 
 }  // namespace PropertyList

@@ -215,10 +215,11 @@ std::optional<std::string> WriteXml(const Value& value) {
 
 std::optional<Value> ReadXml(std::string_view text) {
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
-  if (!IsXmlPropertyList(text)) return std::nullopt;
+  const std::optional<std::string> xml = CheckXml(text);
+  if (!xml) return std::nullopt;
   const NumbersOfC numbers;
   plist_t created = nullptr;  // the library reads it
-  plist_from_xml(text.data(), static_cast<std::uint32_t>(text.size()), &created);
+  plist_from_xml(xml->data(), static_cast<std::uint32_t>(xml->size()), &created);
   const Node root(created);
   if (!root) return std::nullopt;
   return ValueOfNode(root.get());

@@ -65,10 +65,12 @@ TEST_F(GFileSystemTest, PartsOfASpec) {
   for (int i = 0; i < 3; ++i) spec.RemoveLastPathComponent();
   EXPECT_EQ(spec, "/");
   EXPECT_EQ(spec.GetLastPathComponent(), "");
-  GFileSystemSpec hidden("/a/.profile");
-  EXPECT_EQ(hidden.GetPathExtension(), "profile");
-  hidden.RemovePathExtension();
-  EXPECT_EQ(hidden, "/a/.profile");
+  EXPECT_EQ(GFileSystemSpec("/a/.profile").GetPathExtension(), "profile");
+  for (const char* path : {"/a/.profile", "/a/...", "/a/..x", "/a/...ttf"}) {
+    GFileSystemSpec dots(path);
+    dots.RemovePathExtension();
+    EXPECT_EQ(dots, path) << "nothing, or a way up, would be left";
+  }
   GFileSystemSpec empty;
   empty.AppendPathComponent("x");
   EXPECT_TRUE(empty.IsEmpty());

@@ -170,13 +170,25 @@ TEST(GKVTree, RefusesHostileDocuments) {
   const std::string levels = Repeat("<kvtree>", 100'000);
   const std::string outside = "SYSTEM 'file:///etc/passwd'>";
   for (const std::string& xml :
-       {""s, "\0"s, "\xEF\xBB\xBF"s, laughs + "]>" + Tree(Entry("&l11;", kInt)),
+       {""s,
+        "\0"s,
+        "\xEF\xBB\xBF"s,
+        laughs + "]>" + Tree(Entry("&l11;", kInt)),
         laughs + "]>" + one("<str>&l11;</str>"),
         "<!DOCTYPE kvtree [<!ENTITY f " + outside + "]>" + one("<str>&f;</str>"),
-        "<!DOCTYPE kvtree " + outside + good, "<!DOCTYPE kvtree>" + good,
-        Tree(Entry("&undeclared;", kInt)), Tree(Entry("&#0;", kInt)), levels,
-        levels + Repeat("</kvtree>", 100'000), good.substr(0, good.size() - 1), good + "\0"s,
-        good + good, "<kvtree>\0</kvtree>"s, wide(good),
+        "<kvtree xmlns='urn:n'></kvtree>"s,
+        "<kvtree><kv xmlns:n='urn:n'/></kvtree>"s,
+        "<!DOCTYPE kvtree " + outside + good,
+        "<!DOCTYPE kvtree>" + good,
+        Tree(Entry("&undeclared;", kInt)),
+        Tree(Entry("&#0;", kInt)),
+        levels,
+        levels + Repeat("</kvtree>", 100'000),
+        good.substr(0, good.size() - 1),
+        good + "\0"s,
+        good + good,
+        "<kvtree>\0</kvtree>"s,
+        wide(good),
         "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + Tree(Entry("\xE9", kInt)),
         "\x4C\x6F\xA7\x94\x93\x40\xA5\x85\x99\xA2\x89\x96\x95"s}) {
     GKVTree tree;

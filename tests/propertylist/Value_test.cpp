@@ -72,6 +72,29 @@ TEST(Value, EqualityIsDeepAndEnds) {
   twin->Clear();
 }
 
+TEST(Value, SharedContainersAreComparedInBoundedTime) {
+  const auto doubled = [] {
+    Value value = "x";
+    for (int i = 0; i < 40; ++i) {
+      const ArrayRef array = Array::Create();
+      array->Append(value);
+      array->Append(value);
+      value = array;
+    }
+    return value;
+  };
+  EXPECT_FALSE(doubled().Equals(doubled()));
+}
+
+TEST(Value, WhatIsAssignedMayStandWithin) {
+  for (const Value& inner : {Value(7), Value("text"), Value(Array::Create())}) {
+    Value value = Array::Create();
+    value.AsArray()->Append(inner);
+    value = value.AsArray()->At(0);
+    EXPECT_TRUE(value.Equals(inner));
+  }
+}
+
 TEST(Value, DeepNestingIsFreedWithoutRecursion) {
   Value chain;
   for (int i = 0; i < 500'000; ++i) {

@@ -197,7 +197,7 @@ TEST(XmlForm, DepthIsBounded) {
   snake->Clear();
 }
 
-TEST(XmlForm, ValuesKeysAndEntitiesAreBounded) {
+TEST(XmlForm, ValuesAndKeysAreBoundedAndEntitiesAreNot) {
   EXPECT_FALSE(ReadXml("<array>" + Repeated(1 << 20, "<true/>") + "</array>"));
   // Thirty doublings: small in memory, a thousand million values in XML.
   Value value = "x";
@@ -206,8 +206,9 @@ TEST(XmlForm, ValuesKeysAndEntitiesAreBounded) {
   std::string xml = "<dict>";
   for (int i = 0; i <= 1 << 16; ++i) xml += "<key>" + std::to_string(i) + "</key><true/>";
   EXPECT_FALSE(ReadXml(xml + "</dict>"));
-  EXPECT_EQ(ReadString(Repeated(10'000, "&lt;")), std::string(10'000, '<'));
-  EXPECT_EQ(ReadString(Repeated(1'000'000, "&lt;")), "(none)");
+  // The library alone would take hours.
+  EXPECT_TRUE(ReadString(Repeated(4'000'000, "&lt;")) == std::string(4'000'000, '<'));
+  EXPECT_EQ(ReadString("]]&gt;&#x5D;]><![CDATA[&amp;]]>&#228;"), "]]>]]>&amp;\xC3\xA4");
 }
 
 TEST(XmlForm, RefusesToWriteWhatXmlCantHold) {
