@@ -51,7 +51,8 @@ std::optional<std::string> Utf8ToMacRoman(std::string_view text) {
     }
     const auto* found = std::find(kUpperHalf.begin(), kUpperHalf.end(), character);
     if (found == kUpperHalf.end()) return std::nullopt;
-    bytes.push_back(static_cast<char>(found - kUpperHalf.begin() + kLowerHalf));
+    bytes.push_back(
+        static_cast<char>(static_cast<std::size_t>(found - kUpperHalf.begin()) + kLowerHalf));
   }
   return bytes;
 }
