@@ -18,11 +18,15 @@ struct FreeContext {
   void operator()(xmlParserCtxt* context) const { xmlFreeParserCtxt(context); }
 };
 
-// Called at "<!DOCTYPE", before anything of it is declared.
-void RefuseDocumentType(void* parser, const xmlChar*, const xmlChar*, const xmlChar*) {
+void Refuse(void* parser) {
   auto* context = static_cast<xmlParserCtxt*>(parser);
   context->wellFormed = 0;
   xmlStopParser(context);
+}
+
+// Called at "<!DOCTYPE", before anything of it is declared.
+void RefuseDocumentType(void* parser, const xmlChar*, const xmlChar*, const xmlChar*) {
+  Refuse(parser);
 }
 
 // The format knows no namespaces, and the library looks through all that are open for each name.
@@ -30,7 +34,7 @@ void StartElement(void* parser, const xmlChar* name, const xmlChar* prefix, cons
                   int namespaces, const xmlChar** declared, int attributes, int defaulted,
                   const xmlChar** values) {
   if (namespaces > 0) {
-    RefuseDocumentType(parser, nullptr, nullptr, nullptr);
+    Refuse(parser);
   } else {
     xmlSAX2StartElementNs(parser, name, prefix, uri, namespaces, declared, attributes, defaulted,
                           values);

@@ -21,10 +21,10 @@ class GLibXMLDoc {
   static constexpr unsigned int kMaxAttributes = 64;
 
   // Parses `size` bytes of a stranger's document. It has to be UTF-8 without zeros, whatever
-  // encoding it declares, and without a document type, so that there are no entities to expand or
-  // to fetch: GLibXML::kParseFailed for all that is no such document. CoreErrorCodes::kNotSupported
-  // beyond GLibXMLSerializable::kMaxXMLBytes or kMaxAttributes. After a failure the former content
-  // stays.
+  // encoding it declares, without namespaces and without a document type, so that there are no
+  // entities to expand or to fetch: GLibXML::kParseFailed for all that is no such document.
+  // CoreErrorCodes::kNotSupported beyond GLibXMLSerializable::kMaxXMLBytes or kMaxAttributes. After
+  // a failure the former content stays.
   // Nothing of libxml2's process-wide settings is changed, since a host may use the library too.
   [[nodiscard]] TModuleErrorCode SetFromBuffer(const char* buffer, unsigned long size);
 
