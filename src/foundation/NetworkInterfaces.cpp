@@ -1,24 +1,22 @@
 #include "foundation/NetworkInterfaces.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "foundation/ErrorChecks.h"
 #include "foundation/GLogger.h"
+#include "foundation/GStringUtils.h"
 
 namespace {
 
 constexpr const char* kLogIdentifier = "System";
 
 std::string TextOfAddress(std::span<const unsigned char> address) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text;
+  std::vector<std::string> pairs;
   for (const unsigned char byte : address) {
-    if (!text.empty()) text += ':';
-    text += kDigits[byte >> 4];
-    text += kDigits[byte & 0xF];
+    const char character = static_cast<char>(byte);
+    pairs.push_back(GStringUtils::HexadecimalString(&character, 1));
   }
-  return text;
+  return GStringUtils::Join(pairs, ":");
 }
 
 // Looks at the next interface with what the former ones gave.

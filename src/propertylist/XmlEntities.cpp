@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "foundation/GString.h"
+#include "foundation/XMLText.h"
 
 namespace PropertyList {
 
@@ -23,12 +24,6 @@ constexpr NamedEntity kNamedEntities[] = {
     {"amp", "&"}, {"lt", "<"}, {"gt", ">"}, {"apos", "'"}, {"quot", "\""},
 };
 
-bool IsXmlCharacter(std::uint32_t character) {
-  if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
-  return character < 0xD800 || (character > 0xDFFF && character < 0xFFFE) ||
-         (character > 0xFFFF && character <= 0x10FFFF);
-}
-
 // UTF-8 of the number between "&#" and ";"; empty if it is none.
 std::string CharacterOfNumber(std::string_view digits) {
   int base = 10;
@@ -39,8 +34,9 @@ std::string CharacterOfNumber(std::string_view digits) {
   std::uint32_t character = 0;
   const char* const last = digits.data() + digits.size();
   const auto [end, error] = std::from_chars(digits.data(), last, character, base);
-  if (error != std::errc() || end != last || !IsXmlCharacter(character)) return {};
-  return GString::OSUnicodeToUtf8(std::u32string(1, character));
+  if (error != std::errc() || end != last) return {};
+  const std::string utf8 = GString::OSUnicodeToUtf8(std::u32string(1, character));
+  return XMLText::IsPossible(utf8) ? utf8 : std::string();
 }
 
 std::string CharacterOf(std::string_view entity) {

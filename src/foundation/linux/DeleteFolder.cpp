@@ -72,25 +72,18 @@ TModuleErrorCode DeleteContents(FileDescriptor folder, bool force) {
 
 }  // namespace
 
-TModuleErrorCode DeleteTree(int parent, const std::string& name, bool force) {
+TModuleErrorCode DeleteTree(int parent, const std::string& name, bool force,
+                            const FolderIdentity* expected) {
   G_CHECK_CONDITION(IsMountPoint(parent, name), GFileSystem::kFileIsLocked);
   if (force) LetOwnerChange(parent, name);
   FileDescriptor folder;
+  FolderIdentity identity{};
   // ELOOP and ENOTDIR: a link.
-  G_CHECK_CONDITION(!OpenFolderIn(parent, name, folder),
-                    CodeOfDelete(errno == ELOOP ? ENOTDIR : errno));
-  if (const TModuleErrorCode code = DeleteContents(std::move(folder), force)) return code;
-  return DeleteIn(parent, name, AT_REMOVEDIR);
-}
-
-TModuleErrorCode DeleteTree(int parent, const std::string& name, const FolderIdentity& identity) {
-  FileDescriptor folder;
-  FolderIdentity present{};
   G_CHECK_CONDITION(
-      !OpenFolderIn(parent, name, folder) || !GetFolderIdentity(folder.Get(), present),
-      CodeOfDelete(errno));
-  G_CHECK_CONDITION(present != identity, CodeOfDelete(ESTALE));
-  if (const TModuleErrorCode code = DeleteContents(std::move(folder), false)) return code;
+      !OpenFolderIn(parent, name, folder) || !GetFolderIdentity(folder.Get(), identity),
+      CodeOfDelete(errno == ELOOP ? ENOTDIR : errno));
+  G_CHECK_CONDITION(expected != nullptr && identity != *expected, CodeOfDelete(ESTALE));
+  if (const TModuleErrorCode code = DeleteContents(std::move(folder), force)) return code;
   return DeleteIn(parent, name, AT_REMOVEDIR);
 }
 

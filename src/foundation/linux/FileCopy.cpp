@@ -21,8 +21,6 @@ namespace {
 // Between two questions whether to stop.
 constexpr std::size_t kKernelChunk = std::size_t{8} << 20;
 constexpr std::size_t kBufferChunk = std::size_t{256} << 10;
-// Not the bits that lend a program its owner's rights: the copy may have another owner.
-constexpr mode_t kCopiedBits = 0777;
 
 TModuleErrorCode CodeOfCopy(int error) {
   return CodeOfSystemError(error, GFileSystem::kFileNotFound);

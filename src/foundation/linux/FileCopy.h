@@ -18,6 +18,9 @@ struct CopyOptions {
   bool waitsForDisk = false;      // the copy is on the disk when it's done
 };
 
+// Not the bits that lend a program its owner's rights: the copy may have another owner.
+inline constexpr mode_t kCopiedBits = 0777;
+
 bool IsStopped(const CopyOptions& options);
 
 // Opens what is to be copied for reading, without waiting. `flags` may add O_NOFOLLOW.

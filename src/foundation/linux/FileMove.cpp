@@ -51,7 +51,7 @@ TModuleErrorCode CopyThenDeleteFolder(const Place& from, const Place& to) {
                         !GetFolderIdentity(folder.Get(), identity),
                     CodeOfSystemError(errno, GFileSystem::kDirectoryNotFound));
   if (const TModuleErrorCode code = CopyFolderTo(std::move(folder), to, kCopyOfMove)) return code;
-  const bool isDeleted = DeleteTree(from.folder.Get(), from.name, identity) == 0;
+  const bool isDeleted = DeleteTree(from.folder.Get(), from.name, false, &identity) == 0;
   G_CHECK_CONDITION(!isDeleted, GFileSystem::kMoveFailed);
   return 0;
 }

@@ -15,7 +15,6 @@
 namespace {
 
 constexpr mode_t kWhileCopied = 0700;
-constexpr mode_t kCopiedBits = 0777;
 
 TModuleErrorCode CodeOfCopy(int error) {
   return CodeOfSystemError(error, GFileSystem::kDirectoryNotFound);
