@@ -13,26 +13,28 @@ bool StandsForNoFont(const std::string& name) {
 }  // namespace
 
 void RemoveFontsThatHaveNoPossibleReplacement(const FontRecordArray& fonts) {
-  for (std::size_t i = CountOf(fonts); i-- > 0;) {
+  const char* const operation = __func__;
+  RemoveFromBack(fonts, [&](std::size_t i) {
     const FontRecord record = fonts->DictionaryAt(i);
     const std::string name = RecordString(record, kFP_PostScriptNameKey);
     if (!StandsForNoFont(name) || CountOf(record->GetArray(kFP_PossibleReplacementsKey)) != 0) {
-      continue;
+      return false;
     }
-    OutputFormattedDebugString("%s() removing '%s' from problemFonts", __func__, name.c_str());
-    fonts->Remove(i);
-  }
+    OutputFormattedDebugString("%s() removing '%s' from problemFonts", operation, name.c_str());
+    return true;
+  });
 }
 
 void RemoveMatchingFonts(const FontRecordArray& fonts, const std::string& prefix) {
+  const char* const operation = __func__;
   if (prefix.empty()) return;
-  for (std::size_t i = CountOf(fonts); i-- > 0;) {
+  RemoveFromBack(fonts, [&](std::size_t i) {
     const std::string name = RecordString(fonts->DictionaryAt(i), kFP_PostScriptNameKey);
-    if (!name.starts_with(prefix)) continue;
-    OutputFormattedDebugString("%s() removing '%s' because it starts with '%s'", __func__,
+    if (!name.starts_with(prefix)) return false;
+    OutputFormattedDebugString("%s() removing '%s' because it starts with '%s'", operation,
                                name.c_str(), prefix.c_str());
-    fonts->Remove(i);
-  }
+    return true;
+  });
 }
 
 }  // namespace CommonFunctionality

@@ -15,21 +15,10 @@ bool IsStillOurs(const ActivationStates& states, std::uint32_t databaseID) {
   return state == states.end() || state->second;
 }
 
-void EndActivationChange() {
-  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-  if (fontManager != nullptr) static_cast<void>(fontManager->EndActivationChange());
-}
-
-void SetCountForLongOperations(std::size_t count) {
-  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-  if (fontManager != nullptr) fontManager->SetCountForLongOperations(static_cast<int>(count));
-}
-
 // A failure is told in the log and in the result.
 int DeactivateOne(const FontRecord& font, void* context) {
-  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-  const int result = fontManager != nullptr ? fontManager->DeactivateFont(font, context)
-                                            : kErrorKestraneNotRunning;
+  const int result = AskFontManager(
+      [&](FontManagerInterface& fontManager) { return fontManager.DeactivateFont(font, context); });
   if (result != 0) OutputFormattedDebugString("XTDeactivateFont returned %d", result);
   return result;
 }
@@ -43,12 +32,13 @@ struct FontActivationTracker::Closing {
   ProgressCallbackContext progress;
   bool allClosed = false;
   ActivationStates states{};
+  bool inOneBatch = false;
 
   int DeactivateBatch(const FontRecordArray& batch) {
-    FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-    if (fontManager == nullptr) return kErrorKestraneNotRunning;
-    return fontManager->DeactivateFonts(batch, nullptr, fontsDeactivated, ProgressCallback,
-                                        &progress);
+    return AskFontManager([&](FontManagerInterface& fontManager) {
+      return fontManager.DeactivateFonts(batch, nullptr, fontsDeactivated, ProgressCallback,
+                                         &progress);
+    });
   }
 };
 
@@ -76,10 +66,10 @@ int FontActivationTracker::CloseAllFontsForIdentifier(const std::string& sDocume
     result = CloseRegisteredFonts(closing, sDocumentIdentifier, bShowProgress);
     allClosed = closing.allClosed;
   }
-  if (FontManagerInterface* fontManager = FontManagerInterface::GetFontManager()) {
-    fontManager->FinishClosingFontsForDocument(sDocumentIdentifier, allClosed);
-    fontManager->SetCountForLongOperations(1);
-  }
+  TellFontManager([&](FontManagerInterface& fontManager) {
+    fontManager.FinishClosingFontsForDocument(sDocumentIdentifier, allClosed);
+  });
+  SetCountForLongOperations(1);
   return trace.Return(result);
 }
 
@@ -93,7 +83,10 @@ int FontActivationTracker::CloseRegisteredFonts(Closing& closing, const std::str
   closing.progress.progress = progress.get();
   int result = 0;
   try {
-    result = CloseDocument(closing, fontIDs);
+    if (!AskForStates(closing, fontIDs)) return kErrorKestraneNotRunning;
+    result = closing.inOneBatch ? CloseFontsInOneBatch(closing, fontIDs)
+                                : CloseFontsOneByOne(closing, fontIDs);
+    EndActivationChange();
   } catch (...) {
     EndActivationChange();
     m_mDocuments.erase(identifier);
@@ -106,15 +99,17 @@ int FontActivationTracker::CloseRegisteredFonts(Closing& closing, const std::str
   return result;
 }
 
-int FontActivationTracker::CloseDocument(Closing& closing,
+bool FontActivationTracker::AskForStates(Closing& closing,
                                          const std::vector<std::uint32_t>& fontIDs) {
-  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-  if (fontManager == nullptr) return kErrorKestraneNotRunning;
-  closing.states = fontManager->GetClientFontActivationStates(fontIDs);
-  const int result = fontManager->ConnectedToCoreAgent() ? CloseFontsInOneBatch(closing, fontIDs)
-                                                         : CloseFontsOneByOne(closing, fontIDs);
-  EndActivationChange();
-  return result;
+  const int result = AskFontManager([&](FontManagerInterface& fontManager) {
+    closing.states = fontManager.GetClientFontActivationStates(fontIDs);
+    return 0;
+  });
+  if (result != 0) return false;
+  return AskFontManager([&](FontManagerInterface& fontManager) {
+           closing.inOneBatch = fontManager.ConnectedToCoreAgent();
+           return 0;
+         }) == 0;
 }
 
 bool FontActivationTracker::DropReference(SFontRecord& font, bool& allClosed) {
@@ -166,45 +161,53 @@ int FontActivationTracker::CloseFontsOneByOne(Closing& closing,
   for (std::size_t i = 0; i < fontIDs.size(); ++i) {
     const auto entry = m_mFonts.find(fontIDs[i]);
     if (entry == m_mFonts.end()) continue;
-    SFontRecord& font = entry->second;
-    const bool wasLast = DropReference(font, closing.allClosed);
+    const bool wasLast = DropReference(entry->second, closing.allClosed);
     if (!wasLast || !closing.deactivate) continue;
+    // A copy: a progress window turns the host's run loop, and what it runs may come back here.
+    const SFontRecord font = entry->second;
     if (!font.wasAlreadyActive) {
-      ProgressCallback(static_cast<int>(i), static_cast<int>(fontIDs.size()), font.postscriptName,
-                       &closing.progress);
-      const FontRecord fontInfo = font.fontInfo;
-      const int code = DeactivateOne(fontInfo, font.activationContext);
+      ProgressCallback(static_cast<int>(i) + 1, static_cast<int>(fontIDs.size()),
+                       font.postscriptName, &closing.progress);
+      const int code = DeactivateOne(font.fontInfo, font.activationContext);
       if (code == kErrorKestraneNotRunning) return code;
       if (code != 0) {
         result = code;
       } else if (closing.fontsDeactivated) {
-        closing.fontsDeactivated->Append(fontInfo);
+        closing.fontsDeactivated->Append(font.fontInfo);
       }
     }
-    m_mFonts.erase(fontIDs[i]);
+    const auto rest = m_mFonts.find(fontIDs[i]);
+    if (rest != m_mFonts.end() && rest->second.refCount == 0) m_mFonts.erase(rest);
   }
   return result;
 }
 
 int FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts, bool bShowProgress) {
   const OperationTrace trace(__func__);
-  FontManagerInterface* fontManager = ConnectedFontManager();
-  if (fontManager == nullptr) return trace.Return(kErrorKestraneNotRunning);
+  if (ConnectedFontManager() == nullptr) return trace.Return(kErrorKestraneNotRunning);
   if (m_mFonts.empty()) return trace.Return(0);
   GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
   OutputFormattedDebugString("Calling FontManagerInterface::SetCountForLongOperations(%d)",
                              static_cast<int>(m_mFonts.size()));
-  fontManager->SetCountForLongOperations(static_cast<int>(m_mFonts.size()));
+  SetCountForLongOperations(m_mFonts.size());
   const auto progress =
       ShowFontProgress(m_pTarnInterface, bShowProgress, m_mFonts.size(),
                        "FontDeactivationWindowTitle", "FontDeactivationHeaderForQuit");
   std::vector<std::uint32_t> fontIDs;
   for (const auto& [id, font] : m_mFonts) fontIDs.push_back(id);
   Closing closing{bDeactivateClosedFonts, nullptr, {true, m_pTarnInterface, progress.get()}};
-  closing.states = fontManager->GetClientFontActivationStates(fontIDs);
-  const int result = fontManager->ConnectedToCoreAgent()
-                         ? CloseEverythingInOneBatch(closing, fontIDs)
-                         : CloseEverythingOneByOne(closing, fontIDs);
+  int result = kErrorKestraneNotRunning;
+  try {
+    if (AskForStates(closing, fontIDs)) {
+      result = closing.inOneBatch ? CloseEverythingInOneBatch(closing, fontIDs)
+                                  : CloseEverythingOneByOne(closing, fontIDs);
+    }
+  } catch (...) {
+    EndActivationChange();
+    m_mFonts.clear();
+    OutputFormattedDebugString("FontActivationTracker::CloseAllFonts() exiting abnormally");
+    throw;
+  }
   EndActivationChange();
   m_mFonts.clear();
   return trace.Return(result);
@@ -220,9 +223,7 @@ int FontActivationTracker::CloseEverythingInOneBatch(Closing& closing,
         IsStillOurs(closing.states, id)) {
       batch->Append(font.fontInfo);
     }
-    font.isOpen = false;
-    font.fontInfo = nullptr;
-    font.postscriptName.clear();
+    font.Release();
   }
   return closing.DeactivateBatch(batch);
 }
@@ -231,18 +232,19 @@ int FontActivationTracker::CloseEverythingOneByOne(Closing& closing,
                                                    const std::vector<std::uint32_t>& fontIDs) {
   int result = 0;
   for (std::size_t i = 0; i < fontIDs.size(); ++i) {
-    SFontRecord& font = m_mFonts[fontIDs[i]];
-    if (!font.isOpen) continue;
+    const auto entry = m_mFonts.find(fontIDs[i]);
+    if (entry == m_mFonts.end() || !entry->second.isOpen) continue;
+    const SFontRecord font = entry->second;  // see CloseFontsOneByOne
     if (!font.wasAlreadyActive && closing.deactivate) {
       const int code = DeactivateOne(font.fontInfo, font.activationContext);
       if (code == kErrorKestraneNotRunning) return code;
       if (code != 0) result = code;
     }
-    font.isOpen = false;
+    if (const auto rest = m_mFonts.find(fontIDs[i]); rest != m_mFonts.end()) {
+      rest->second.Release();
+    }
     ProgressCallback(static_cast<int>(i) + 1, static_cast<int>(fontIDs.size()), font.postscriptName,
                      &closing.progress);
-    font.fontInfo = nullptr;
-    font.postscriptName.clear();
   }
   return result;
 }

@@ -7,6 +7,7 @@
 #include "fonts/RecordAccess.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"
+#include "sdk/Tarn.h"
 #include "state/HostAppInterface.h"
 
 using FaceprintSupport::FindString;
@@ -55,10 +56,10 @@ namespace {
 int IntOf(std::size_t count) { return static_cast<int>(count); }
 
 void FinishOpening(const std::string& identifier) {
-  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-  if (fontManager == nullptr) return;
-  fontManager->FinishOpeningFontsForDocument(identifier);
-  fontManager->SetCountForLongOperations(1);
+  TellFontManager([&](FontManagerInterface& fontManager) {
+    fontManager.FinishOpeningFontsForDocument(identifier);
+  });
+  SetCountForLongOperations(1);
 }
 
 bool HasRemoteFont(const FontRecordArray& fonts) {
@@ -69,10 +70,13 @@ bool HasRemoteFont(const FontRecordArray& fonts) {
 }
 
 // Remote fonts can't come while offline: the user is asked once.
-void OfferToGoOnline(FontManagerInterface& fontManager, TarnInterface* tarn,
-                     const FontRecordArray& fontsToActivate) {
-  if (fontManager.IsOnline() || !HasRemoteFont(fontsToActivate) || tarn == nullptr) return;
-  if (tarn->ShowSomeFontsOfflineMessageBox()) static_cast<void>(fontManager.GoOnline());
+void OfferToGoOnline(TarnInterface* tarn, const FontRecordArray& fontsToActivate) {
+  bool isOnline = true;
+  TellFontManager([&](FontManagerInterface& fontManager) { isOnline = fontManager.IsOnline(); });
+  if (isOnline || !HasRemoteFont(fontsToActivate) || tarn == nullptr) return;
+  if (!tarn->ShowSomeFontsOfflineMessageBox()) return;
+  TellFontManager(
+      [](FontManagerInterface& fontManager) { static_cast<void>(fontManager.GoOnline()); });
 }
 
 bool HoldsANamedFont(const FontRecordArray& fonts) {
@@ -101,19 +105,21 @@ int FontActivationTracker::OpenFontsForIdentifier(const FontRecordArray& fonts,
     FinishOpening(sDocumentIdentifier);
     return trace.Return(0);
   }
-  fontManager->SetCountForLongOperations(IntOf(fonts->Count()));
+  SetCountForLongOperations(fonts->Count());
   const auto progress = ShowFontProgress(m_pTarnInterface, bShowProgress, fonts->Count(),
                                          "FontActivationWindowTitle", "FontActivationHeaderFormat");
-  int result = 0;
-  if (fontManager->ConnectedToCoreAgent()) {
+  bool isConnected = false;
+  int result = AskFontManager([&isConnected](FontManagerInterface& present) {
+    isConnected = present.ConnectedToCoreAgent();
+    return 0;
+  });
+  if (isConnected) {
     Batch batch{fonts, sDocumentIdentifier, {bShowProgress, m_pTarnInterface, progress.get()}};
     try {
       result = ActivateInOneBatch(batch, activatedFonts, noncompliantFonts);
     } catch (...) {
       EndFontChangeSession(bShowProgress);
-      if (FontManagerInterface* present = FontManagerInterface::GetFontManager()) {
-        present->SetCountForLongOperations(1);
-      }
+      SetCountForLongOperations(1);
       OutputFormattedDebugString(
           "   *** Exception caught in FontActivationTracker::OpenFontsForIdentifier.  "
           "Rethrowing.");
@@ -134,17 +140,17 @@ int FontActivationTracker::ActivateInOneBatch(Batch& batch, const FontRecordArra
   const int asked = IntOf(batch.fontsToActivate->Count());
   OutputFormattedDebugString("Ready to batch-activate %d fonts", asked);
   if (batch.progress.progress != nullptr) {
-    batch.progress.progress->Dictionary().SetIntForKey("MaxProgress", asked);
+    batch.progress.progress->Dictionary().SetIntForKey(kTarnMaxProgress, asked);
   }
-  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-  if (fontManager == nullptr) return kErrorKestraneNotRunning;
-  OfferToGoOnline(*fontManager, m_pTarnInterface, batch.fontsToActivate);
+  OfferToGoOnline(m_pTarnInterface, batch.fontsToActivate);
 
   const FontRecordArray activated = activatedFonts ? activatedFonts : MakeFontRecordArray();
   void* context = nullptr;
-  const int result =
-      fontManager->ActivateFontsByID(batch.fontsToActivate, batch.identifier, &context, activated,
-                                     noncompliantFonts, ProgressCallback, &batch.progress);
+  const int result = AskFontManager([&](FontManagerInterface& fontManager) {
+    return fontManager.ActivateFontsByID(batch.fontsToActivate, batch.identifier, &context,
+                                         activated, noncompliantFonts, ProgressCallback,
+                                         &batch.progress);
+  });
   if (CountOf(noncompliantFonts) != 0) {
     // One refused font undoes the whole document.
     CloseAllFontsForIdentifier(batch.identifier, true, false, nullptr);
@@ -199,10 +205,11 @@ void FontActivationTracker::AddMatchedFont(Batch& batch, const FontRecord& eleme
 FontRecordArray FontActivationTracker::CandidatesFor(const Batch& batch,
                                                      const FontRecord& matched) const {
   FontRecordArray candidates = MakeFontRecordArray();
-  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-  if (batch.entireFamily && fontManager != nullptr) {
-    static_cast<void>(fontManager->FindFontsInSameFamilyForActivation(
-        matched, batch.fonts, fontManager->GetCurrentWorkgroupID(), candidates));
+  if (batch.entireFamily) {
+    TellFontManager([&](FontManagerInterface& fontManager) {
+      static_cast<void>(fontManager.FindFontsInSameFamilyForActivation(
+          matched, batch.fonts, fontManager.GetCurrentWorkgroupID(), candidates));
+    });
     RemoveActivatedFonts(candidates, 0, false);
     if (HoldsANamedFont(candidates) && matched->Has(kFP_PostScriptNameKey)) return candidates;
   }
@@ -234,8 +241,7 @@ void FontActivationTracker::AddCandidate(Batch& batch, const FontRecord& font,
     OutputFormattedDebugString("Skipping '%s' because it is already active.", name->c_str());
     batch.activeNames.insert(*name);
   } else {
-    if (font->Has(kFP_IsActiveKey) && !familyName.empty() &&
-        FontManagerInterface::IsFontActive(familyName)) {
+    if (font->Has(kFP_IsActiveKey) && FontManagerInterface::IsFontActive(familyName)) {
       OutputFormattedDebugString(
           "The OS thinks the '%s' font family is active, but Nodrix says '%s' is not. Treating it "
           "as a system font",

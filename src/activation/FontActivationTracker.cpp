@@ -5,8 +5,8 @@
 #include <exception>
 #include <random>
 
+#include "activation/ConnectedFontManager.h"
 #include "dialogs/TarnInterface.h"
-#include "fontmanager/FontManagerInterface.h"
 #include "foundation/GScopedLock.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"
@@ -76,7 +76,8 @@ void FontActivationTracker::RegisterFontWithDocument(const FontRecord& font,
   GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
   const auto [entry, isNew] = m_mFonts.try_emplace(nDatabaseID);
   SFontRecord& record = entry->second;
-  if (isNew) {
+  // An entry without a record is one that only a count made.
+  if (isNew || !record.fontInfo) {
     record.fontInfo = font;
     record.nDatabaseID = nDatabaseID;
     record.wasAlreadyActive = bAlreadyActive;
@@ -91,28 +92,31 @@ void FontActivationTracker::RegisterFontWithDocument(const FontRecord& font,
   document.fontIDs.push_back(nDatabaseID);
 }
 
+void FontActivationTracker::SFontRecord::Release() {
+  isOpen = false;
+  fontInfo = nullptr;
+  postscriptName.clear();
+}
+
 void FontActivationTracker::RemoveActivatedFonts(const FontRecordArray& fonts, long inWorkgroupID,
                                                  bool removeOnlyManuallyActivated) {
   const OperationTrace trace(__func__);
-  for (std::size_t i = CountOf(fonts); i-- > 0;) {
+  RemoveFromBack(fonts, [&](std::size_t i) {
     const FontRecord font = fonts->DictionaryAt(i);
     if (!font) {
       OutputFormattedDebugString("ERROR:  fontArray[%d] is NULL", static_cast<int>(i));
-      continue;
+      return false;
     }
     const std::string name = RecordString(font, kFP_PostScriptNameKey);
-    if (!FontManagerInterface::IsFontActive(name)) continue;
-    if (!removeOnlyManuallyActivated || WasActivatedByHand(font, name, inWorkgroupID)) {
-      fonts->Remove(i);
-    }
-  }
+    return FontManagerInterface::IsFontActive(name) &&
+           (!removeOnlyManuallyActivated || WasActivatedByHand(font, name, inWorkgroupID));
+  });
 }
 
 void FontActivationTracker::EndFontChangeSession(bool bHideProgress) {
   const OperationTrace trace(__func__);
   if (bHideProgress && m_pTarnInterface != nullptr) m_pTarnInterface->HideProgress();
-  FontManagerInterface* fontManager = FontManagerInterface::GetFontManager();
-  if (fontManager != nullptr) static_cast<void>(fontManager->EndActivationChange());
+  EndActivationChange();
 }
 
 std::size_t FontActivationTracker::CountFontsRegisteredForIdentifier(

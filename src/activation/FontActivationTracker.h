@@ -26,27 +26,36 @@ class FontActivationTracker {
   static std::string GenerateUniqueIdentifier();
 
   // Registers each matched font under the identifier and activates what is not active, in one
-  // batch. The two arrays may be null. 0, 1000 when the font manager has gone, or the batch's
-  // result.
+  // batch. An empty identifier stands for the documents that each font names under
+  // kFP_SubDocumentsWithFontKey. What was activated and what was refused for this user is appended
+  // to the two arrays, which may be null; a refused font undoes the whole document. 0, 1000 when
+  // the font manager has gone, or the batch's result, which leaves the references in place.
   int OpenFontsForIdentifier(const FontRecordArray& fonts, const std::string& sDocumentIdentifier,
                              bool bShowProgress, const FontRecordArray& activatedFonts,
                              const FontRecordArray& noncompliantFonts);
   void RegisterFontWithDocument(const FontRecord& font, const std::string& psName,
                                 std::uint32_t nDatabaseID, bool bAlreadyActive,
                                 const std::string& sDocumentIdentifier, void* context);
+  // Takes out what this process sees by its PostScript name; with `removeOnlyManuallyActivated`
+  // only what neither automatic activation nor the system turned on. Entries that are no records
+  // stay.
   static void RemoveActivatedFonts(const FontRecordArray& fonts, long inWorkgroupID,
                                    bool removeOnlyManuallyActivated);
-  // Drops the document's references; deactivates what nobody else holds if asked to.
+  // Drops the document's references. With `bDeactivateClosedFonts` what nobody else holds is
+  // deactivated, if the plug-in turned it on, and appended to `fontsDeactivated` (may be null);
+  // without it a font stays on, also with no reference, until it is closed again or the host quits.
+  // 0 also for an unknown document; 1000 when the font manager has gone.
   int CloseAllFontsForIdentifier(const std::string& sDocumentIdentifier,
                                  bool bDeactivateClosedFonts, bool bShowProgress,
                                  const FontRecordArray& fontsDeactivated);
-  // The quit path: reference counts are ignored.
+  // The quit path: reference counts are ignored, and no font is known afterwards.
   int CloseAllFonts(bool bDeactivateClosedFonts, bool bShowProgress);
   void EndFontChangeSession(bool bHideProgress);
 
   std::size_t CountFontsRegisteredForIdentifier(const std::string& identifier);
   std::size_t CountFontsOpenedForIdentifier(const std::string& identifier,
                                             std::size_t& alreadyActiveCount);
+  // Both make the entry that is asked for; the reference lasts as long as the tracker.
   void AddUnresolvedFont(const std::string& identifier, const std::string& name);
   const std::vector<std::string>& GetUnresolvedFonts(const std::string& identifier);
 
@@ -60,6 +69,8 @@ class FontActivationTracker {
     bool isOpen = false;
     std::uint32_t refCount = 0;  // registrations not yet closed
     void* activationContext = nullptr;
+
+    void Release();
   };
   struct SDocumentRecord {
     std::string documentIdentifier;
@@ -81,7 +92,8 @@ class FontActivationTracker {
 
   // The closing. All want the lock.
   int CloseRegisteredFonts(Closing& closing, const std::string& identifier, bool bShowProgress);
-  int CloseDocument(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
+  // False if the font manager has gone.
+  static bool AskForStates(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
   int CloseFontsInOneBatch(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
   int CloseFontsOneByOne(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
   int CloseEverythingInOneBatch(Closing& closing, const std::vector<std::uint32_t>& fontIDs);

@@ -1,6 +1,7 @@
 #include "activation/FontChangeProgress.h"
 
 #include "dialogs/TarnInterface.h"
+#include "sdk/Tarn.h"
 
 void ProgressCallback(int current, int total, const std::string& name, void* context) {
   const auto* shown = static_cast<const ProgressCallbackContext*>(context);
@@ -8,7 +9,7 @@ void ProgressCallback(int current, int total, const std::string& name, void* con
       shown->progress == nullptr) {
     return;
   }
-  shown->progress->Dictionary().SetIntForKey("MaxProgress", total);
+  shown->progress->Dictionary().SetIntForKey(kTarnMaxProgress, total);
   shown->progress->SetCurrentProgress(current);
   shown->progress->SetCurrentPostscriptName(name);
   shown->tarn->UpdateProgress(shown->progress->Dictionary());

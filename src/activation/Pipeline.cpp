@@ -65,20 +65,24 @@ void SortUnknownFont(const FontRecord& font, const Sorting& sorting) {
 }
 
 int CategorizeOneFont(const FontRecord& font, const Sorting& sorting) {
-  FontManagerInterface* fontManager = ConnectedFontManager();
-  if (fontManager == nullptr) return kErrorKestraneNotRunning;
   FontRecordArray candidates = MakeFontRecordArray();
   bool excludedRemote = false;
-  const int result = fontManager->GetFaceprintData(font, kPostScriptFontName, &excludedRemote,
-                                                   sorting.workgroupID, candidates);
+  const int result = AskConnectedFontManager([&](FontManagerInterface& fontManager) {
+    return fontManager.GetFaceprintData(font, kPostScriptFontName, &excludedRemote,
+                                        sorting.workgroupID, candidates);
+  });
   if (result != 0) return result;
-  static_cast<void>(fontManager->RemoveRemoteFonts(candidates));
+  static_cast<void>(AskFontManager([&](FontManagerInterface& fontManager) {
+    return fontManager.RemoveRemoteFonts(candidates);
+  }));
   if (const FontRecord chosen = ChooseCandidate(font, candidates, sorting.pickBestMatch)) {
     Match(font, chosen, sorting);
   } else if (candidates->IsEmpty()) {
     SortUnknownFont(font, sorting);
   } else {
-    static_cast<void>(fontManager->AddWorkgroupNamesToFonts(candidates));
+    static_cast<void>(AskFontManager([&](FontManagerInterface& fontManager) {
+      return fontManager.AddWorkgroupNamesToFonts(candidates);
+    }));
     font->Set(kFP_PossibleReplacementsKey, candidates);
     sorting.problemFonts->Append(font);
   }
@@ -87,7 +91,8 @@ int CategorizeOneFont(const FontRecord& font, const Sorting& sorting) {
 
 int CategorizeFonts(const FontRecordArray& fonts, const Sorting& sorting) {
   int result = 0;
-  for (std::size_t i = 0; i < fonts->Count(); ++i) {
+  const std::size_t count = fonts->Count();  // an output may be the same array
+  for (std::size_t i = 0; i < count; ++i) {
     const FontRecord font = fonts->DictionaryAt(i);
     if (FindString(font, kFP_PostScriptNameKey) == nullptr) {
       OutputFormattedDebugString(

@@ -1,6 +1,6 @@
 #include "coreagent/CommandRetry.h"
 #include "coreagent/CoreAgentInterface.h"
-#include "coreagent/FacadeCall.h"
+#include "facade/FacadeCall.h"
 #include "dialogs/TarnInterface.h"
 #include "foundation/PluginLog.h"
 #include "foundation/WallClock.h"

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "coreagent/CoreAgentInterface.h"
-#include "coreagent/FacadeCall.h"
+#include "facade/FacadeCall.h"
 #include "fonts/FontDataCache.h"
 #include "fonts/FontNames.h"
 #include "fonts/FontRecordOperations.h"
@@ -76,7 +76,7 @@ int ConvertActivationStateValues(const FontRecord& record) {
   const std::int64_t raw = RecordInteger(record, kFP_ActivationStateKey);
   const std::uint16_t state = ComputePluginActivationState(raw);
   const bool isTemporary = state == kActivationStateTemporary;
-  const bool isActive = isTemporary || state == kActivationStateActive;
+  const bool isActive = IsActiveState(state);
   const bool isAuto = raw == kRawActivationState_Auto || raw == kRawActivationState_AutoOther;
   SetRecordNumber(record, kFP_ActivationStateKey, state);
   SetRecordNumber(record, kFP_IsTempKey, isTemporary ? 1 : 0);

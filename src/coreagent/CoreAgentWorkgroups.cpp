@@ -1,5 +1,5 @@
 #include "coreagent/CoreAgentInterface.h"
-#include "coreagent/FacadeCall.h"
+#include "facade/FacadeCall.h"
 #include "dialogs/TarnInterface.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"

@@ -33,6 +33,11 @@ enum : std::uint16_t {
   kActivationStateTemporary = 3
 };
 
+// Of a converted state.
+constexpr bool IsActiveState(std::int64_t state) {
+  return state == kActivationStateActive || state == kActivationStateTemporary;
+}
+
 // Progress of a batch: current, total, the font's name, the caller's context.
 using FontProgressCallback = void (*)(int current, int total, const std::string& name,
                                       void* context);

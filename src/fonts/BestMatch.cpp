@@ -1,8 +1,9 @@
 #include <algorithm>
 #include <charconv>
-#include <optional>
+#include <limits>
+#include <vector>
 
-#include "facade/SkerryLoader.h"
+#include "facade/FacadeCall.h"
 #include "fonts/MatchRules.h"
 #include "fonts/RecordAccess.h"
 #include "foundation/PluginLog.h"
@@ -56,13 +57,8 @@ int PickByActiveKey(const FontRecord& first, const FontRecord& second) {
 int PickByLiveState(const FontRecord& first, const FontRecord& second) {
   const std::uint32_t ids[2] = {RecordDatabaseID(first), RecordDatabaseID(second)};
   if (ids[0] == 0 || ids[1] == 0) return kTie;
-  const SkerryLoader* facade = SkerryLoader::GetSharedInstance();
-  if (facade == nullptr || facade->pfGetFontIsActivated == nullptr ||
-      facade->pfGetPluginFacadeInstance == nullptr) {
-    return kTie;
-  }
   std::int32_t states[2] = {0, 0};
-  if (facade->pfGetFontIsActivated(facade->pfGetPluginFacadeInstance(), 2, ids, states) != 0) {
+  if (FacadeCall::WithInstance(&SkerryLoader::pfGetFontIsActivated, 2, ids, states) != 0) {
     return kTie;
   }
   return LogActiveChoice(PickTheOneThatHas(states[0] != 0, states[1] != 0));
@@ -86,21 +82,23 @@ int PickByKindRank(const FontRecord& first, const FontRecord& second) {
 }
 
 bool IsAdobeFont(const FontRecord& record) {
-  return RecordString(record, kFP_FoundryKey).find("Adobe") != std::string::npos;
+  const std::string* foundry = FindString(record, kFP_FoundryKey);
+  return foundry != nullptr && foundry->find("Adobe") != std::string::npos;
 }
 
 // The decimal number at the start of a text; 0 if there is none. Independent of the locale.
 double LeadingNumber(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
-  if (text.starts_with('+')) text.remove_prefix(1);
-  // from_chars would also read words such as "inf".
-  if (const std::size_t digit = text.find_first_not_of("-.");
-      digit == std::string_view::npos || text[digit] < '0' || text[digit] > '9') {
-    return 0;
-  }
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  const double sign = text.starts_with('-') ? -1 : 1;
+  if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
+  // from_chars would also read words such as "inf", and a second sign.
+  const std::size_t digit = text.starts_with('.') ? 1 : 0;
+  if (digit >= text.size() || text[digit] < '0' || text[digit] > '9') return 0;
   double number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
+  const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (code != std::errc::result_out_of_range) return sign * number;
+  const bool isTiny = std::string_view(text.data(), end).find("e-") != std::string_view::npos;
+  return isTiny ? 0 : sign * std::numeric_limits<double>::infinity();
 }
 
 std::string_view TakeDigits(std::string_view& text) {
@@ -187,26 +185,32 @@ int PickBestMatchCallBack(const FontRecord& first, const FontRecord& second,
 // A merge from the bottom up: n log n comparisons, each index bounded by the array, whatever the
 // comparator answers. The library's sorts promise neither for a comparator that is no ordering.
 void SortByBestMatch(const FontRecordArray& fonts, const FontRecord& source) {
-  if (CountOf(fonts) < 2) return;
-  std::vector<FontRecord> from;
-  for (std::size_t i = 0; i < fonts->Count(); ++i) from.push_back(fonts->DictionaryAt(i));
-  std::vector<FontRecord> to(from.size());
-  for (std::size_t width = 1; width < from.size(); width *= 2) {
-    for (std::size_t begin = 0; begin < from.size(); begin += 2 * width) {
-      const std::size_t middle = std::min(begin + width, from.size());
-      const std::size_t end = std::min(middle + width, from.size());
+  struct Entry {
+    FontRecord record;
+    PropertyList::Value value;
+  };
+  const std::size_t count = CountOf(fonts);
+  if (count < 2) return;
+  std::vector<Entry> from;
+  for (std::size_t i = 0; i < count; ++i) from.push_back({fonts->DictionaryAt(i), fonts->At(i)});
+  std::vector<Entry> to(count);
+  for (std::size_t width = 1; width < count; width *= 2) {
+    for (std::size_t begin = 0; begin < count; begin += 2 * width) {
+      const std::size_t middle = std::min(begin + width, count);
+      const std::size_t end = std::min(middle + width, count);
       std::size_t left = begin;
       std::size_t right = middle;
       for (std::size_t place = begin; place < end; ++place) {
         const bool takeRight =
             left == middle ||
-            (right < end && PickBestMatchCallBack(from[left], from[right], source) > 0);
-        to[place] = from[takeRight ? right++ : left++];
+            (right < end &&
+             PickBestMatchCallBack(from[left].record, from[right].record, source) > 0);
+        to[place] = std::move(from[takeRight ? right++ : left++]);
       }
     }
     from.swap(to);
   }
-  for (std::size_t i = 0; i < from.size(); ++i) fonts->Set(i, from[i]);
+  for (std::size_t i = 0; i < count; ++i) fonts->Set(i, std::move(from[i].value));
 }
 
 }  // namespace FaceprintSupport

@@ -4,12 +4,14 @@
 #include <set>
 #include <unordered_map>
 
+#include "fonts/RecordAccess.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"
 
 namespace FontDataPreviouslyGottenFromDatabase {
 namespace {
 
+using FaceprintSupport::FindString;
 using InfoRec = FontManagerInterface::FontOrSetInfoRec;
 
 struct Cache {
@@ -30,10 +32,6 @@ Cache& TheCache() {
   return cache;
 }
 
-bool IsActiveState(std::int64_t state) {
-  return state == kActivationStateActive || state == kActivationStateTemporary;
-}
-
 void MarkActive(std::uint32_t databaseID, InfoRec& rec) {
   const std::string name = RecordString(rec.info, kFP_PostScriptNameKey);
   OutputFormattedDebugString(
@@ -44,12 +42,11 @@ void MarkActive(std::uint32_t databaseID, InfoRec& rec) {
       RecordString(rec.info, kFP_ActivationStateKey).c_str(),
       RecordString(rec.info, kFP_IsActiveKey).c_str());
   rec.activationState = kActivationStateTemporary;
-  if (!RecordHas(rec.info, kFP_PostScriptNameKey)) return;
+  if (FindString(rec.info, kFP_PostScriptNameKey) == nullptr) return;
   // Only one version of a name is active at a time.
   for (const std::uint32_t otherID : TheCache().VersionsOf(name)) {
-    if (otherID != databaseID) {
-      TheCache().idToInfoRec[otherID].activationState = kActivationStateInactive;
-    }
+    if (otherID == databaseID) continue;
+    TheCache().idToInfoRec.at(otherID).activationState = kActivationStateInactive;
   }
 }
 
@@ -58,9 +55,9 @@ void MarkActive(std::uint32_t databaseID, InfoRec& rec) {
 // NOLINTNEXTLINE(performance-unnecessary-value-param): it is moved from, where the ID is new
 void Add(std::uint32_t databaseID, InfoRec rec) {
   const auto [entry, isNew] = TheCache().idToInfoRec.try_emplace(databaseID, std::move(rec));
-  const FontRecord& info = entry->second.info;
-  if (isNew && RecordHas(info, kFP_PostScriptNameKey)) {
-    TheCache().idsByName[RecordString(info, kFP_PostScriptNameKey)].insert(databaseID);
+  if (!isNew) return;
+  if (const std::string* name = FindString(entry->second.info, kFP_PostScriptNameKey)) {
+    TheCache().idsByName[*name].insert(databaseID);
   }
 }
 
@@ -86,7 +83,7 @@ void SetFontActivationState(std::uint32_t databaseID, bool isActive) {
 bool CreateCopyOfFaceprintDataForActiveFont(const std::string& postScriptName,
                                             FontRecord& outRecord, std::uint32_t& outID) {
   for (const std::uint32_t databaseID : TheCache().VersionsOf(postScriptName)) {
-    const InfoRec& rec = TheCache().idToInfoRec[databaseID];
+    const InfoRec& rec = TheCache().idToInfoRec.at(databaseID);
     if (rec.activationState == kActivationStateInactive ||
         !IsActiveState(RecordInteger(rec.info, kFP_ActivationStateKey))) {
       continue;

@@ -1,5 +1,9 @@
 #include "fonts/FontMerging.h"
 
+#include <algorithm>
+#include <limits>
+#include <unordered_map>
+
 #include "fontmanager/FontManagerInterface.h"
 #include "fonts/FontNameIndex.h"
 #include "fonts/FontNames.h"
@@ -71,6 +75,13 @@ FontRecord MergeOne(const FontRecord& source, const FontRecord& destination, int
   return nullptr;
 }
 
+void Replace(const FontRecordArray& fonts, std::size_t place, const FontRecord& old,
+             const FontRecord& record, FontNameIndex& index) {
+  index.Remove(old, place);
+  index.Add(record, place);
+  fonts->Set(place, record);
+}
+
 void MergeEntry(const FontRecord& source, int sourceEntry, const FontRecordArray& destination,
                 FontNameIndex& index) {
   const std::string name = RecordString(source, kFP_PostScriptNameKey);
@@ -85,30 +96,81 @@ void MergeEntry(const FontRecord& source, int sourceEntry, const FontRecordArray
     return;
   }
   const FontRecord old = destination->DictionaryAt(*found);
-  FontRecord merged = MergeOne(source, old, sourceEntry, static_cast<int>(*found), name);
-  if (!merged) return;
-  index.Remove(old, *found);
-  index.Add(merged, *found);
-  destination->Set(*found, std::move(merged));
+  const FontRecord merged = MergeOne(source, old, sourceEntry, static_cast<int>(*found), name);
+  if (merged) Replace(destination, *found, old, merged, index);
 }
+
+// Where GetFaceprintDictionaryFromArrayWithPostscriptName finds names, for many questions to one
+// array.
+class SlugIndex {
+ public:
+  explicit SlugIndex(const FontRecordArray& slugs) : mSlugs(slugs) {
+    for (std::size_t i = 0; i < slugs->Count(); ++i) {
+      const FontRecord record = slugs->DictionaryAt(i);
+      const std::string* name = FindString(record, kFP_PostScriptNameKey);
+      if (name == nullptr) continue;
+      mNames.try_emplace(*name, i);
+      if (IsMultipleMaster(record)) mBases.try_emplace(*name, i);
+    }
+  }
+
+  FontRecord Find(const std::string& name) const {
+    std::size_t place = PlaceIn(mNames, name);
+    for (std::size_t end = name.find('_'); end != std::string::npos;
+         end = name.find('_', end + 1)) {
+      place = std::min(place, PlaceIn(mBases, name.substr(0, end)));
+    }
+    if (place == kNowhere) return nullptr;
+    // Asks for the record in the plain way, which tells of Multiple Master bases in the log.
+    const FontRecordArray hit = MakeFontRecordArray();
+    hit->Append(mSlugs->At(place));
+    return GetFaceprintDictionaryFromArrayWithPostscriptName(hit, name.c_str());
+  }
+
+ private:
+  using Places = std::unordered_map<std::string, std::size_t>;
+  static constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
+
+  static std::size_t PlaceIn(const Places& places, const std::string& name) {
+    const auto found = places.find(name);
+    return found == places.end() ? kNowhere : found->second;
+  }
+
+  const FontRecordArray& mSlugs;
+  Places mNames;
+  Places mBases;
+};
 
 }  // namespace
 
 int MergeFaceprintDictionaryIntoArray(const FontRecordArray& fonts, const FontRecord& record) {
+  FontNameIndex index(fonts);
+  return MergeFaceprintDictionaryIntoArray(fonts, record, index);
+}
+
+int MergeFaceprintDictionaryIntoArray(const FontRecordArray& fonts, const FontRecord& record,
+                                      FontNameIndex& index) {
   if (!fonts || !record) return kErrorBadArgument;
   const std::string* name = FindString(record, kFP_PostScriptNameKey);
-  std::size_t index = fonts->Count();
-  if (!DoesArrayContainFontWithPostScriptName(fonts, name ? name->c_str() : nullptr, &index)) {
+  const std::optional<std::size_t> found = name ? index.Find(*name) : std::nullopt;
+  if (!found) {
+    index.Add(record, fonts->Count());
     fonts->Append(record);
-  } else if (record->Count() > fonts->DictionaryAt(index)->Count()) {
-    fonts->Set(index, record);
+    return static_cast<int>(fonts->Count() - 1);
   }
-  return static_cast<int>(index);
+  const FontRecord old = fonts->DictionaryAt(*found);
+  if (record->Count() > old->Count()) Replace(fonts, *found, old, record, index);
+  return static_cast<int>(*found);
 }
 
 void MergeFontsIntoFontsArray(const FontRecordArray& source, const FontRecordArray& destination) {
-  if (!source || !destination) return;
   FontNameIndex index(destination);
+  MergeFontsIntoFontsArray(source, destination, index);
+}
+
+void MergeFontsIntoFontsArray(const FontRecordArray& source, const FontRecordArray& destination,
+                              FontNameIndex& index) {
+  if (!source || !destination) return;
   const std::size_t count = source->Count();
   for (std::size_t i = 0; i < count; ++i) {
     const FontRecord record = source->DictionaryAt(i);
@@ -152,13 +214,13 @@ int CountActiveFonts(const FontRecordArray& fonts) {
 FontRecordArray CreateFaceprintSlugsWithFaceprintFontsAndDocumentFonts(
     const FontRecordArray& slugFonts, const FontRecordArray& documentFonts) {
   if (!slugFonts || !documentFonts) return nullptr;
+  const SlugIndex slugs(slugFonts);
   FontRecordArray result = MakeFontRecordArray();
   for (std::size_t i = 0; i < documentFonts->Count(); ++i) {
     const FontRecord record = documentFonts->DictionaryAt(i);
     const std::string* name = FindString(record, kFP_PostScriptNameKey);
     if (name == nullptr) continue;
-    const FontRecord slug =
-        GetFaceprintDictionaryFromArrayWithPostscriptName(slugFonts, name->c_str());
+    const FontRecord slug = slugs.Find(*name);
     result->Append(slug ? slug : record);
   }
   return result;
@@ -166,26 +228,23 @@ FontRecordArray CreateFaceprintSlugsWithFaceprintFontsAndDocumentFonts(
 
 int RemoveUniqueFontsFromFontArray(const FontRecordArray& arrayToTrim,
                                    const FontRecordArray& other) {
-  int removed = 0;
-  for (std::size_t i = CountOf(arrayToTrim); i-- > 0;) {
+  const FontNameIndex names(other);
+  const std::size_t removed = RemoveFromBack(arrayToTrim, [&](std::size_t i) {
     const FontRecord record = arrayToTrim->DictionaryAt(i);
     const std::string* name = FindString(record, kFP_PostScriptNameKey);
-    if (name == nullptr) {
-      OutputFormattedDebugString(
-          "WARNING: ignoring entry %d in arrayToTrim because it does not contain a postscript "
-          "name.",
-          static_cast<int>(i));
-    } else if (!DoesArrayContainFontWithPostScriptName(other, name->c_str())) {
-      arrayToTrim->Remove(i);
-      ++removed;
-    }
-  }
-  return removed;
+    if (name != nullptr) return !names.Find(*name);
+    OutputFormattedDebugString(
+        "WARNING: ignoring entry %d in arrayToTrim because it does not contain a postscript name.",
+        static_cast<int>(i));
+    return false;
+  });
+  return static_cast<int>(removed);
 }
 
 bool AllFontsResolved(const FontRecordArray& fonts, const FontRecordArray& outResolved) {
   bool allResolved = true;
-  for (std::size_t i = 0; i < CountOf(fonts); ++i) {
+  const std::size_t count = CountOf(fonts);  // `outResolved` may be the same array
+  for (std::size_t i = 0; i < count; ++i) {
     const FontRecord record = fonts->DictionaryAt(i);
     if (!record) continue;
     if (record->Has(kFP_MatchedFontKey)) {

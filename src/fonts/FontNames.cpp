@@ -1,5 +1,6 @@
 #include "fonts/FontNames.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "fonts/RecordAccess.h"
@@ -58,13 +59,7 @@ std::optional<std::size_t> FindName(const FontRecordArray& fonts, Predicate matc
   return std::nullopt;
 }
 
-bool IsMultipleMasterInstanceOf(std::string_view asked, const FontRecord& base,
-                                std::string_view baseName) {
-  const std::string* kind = FindString(base, kFP_KindKey);
-  if (kind == nullptr ||
-      (*kind != kFP_Kind_PostscriptMM && *kind != kFP_Kind_PostscriptMultipleMaster)) {
-    return false;
-  }
+bool IsInstanceOf(std::string_view asked, std::string_view baseName) {
   return asked.size() > baseName.size() && asked[baseName.size()] == '_' &&
          asked.starts_with(baseName);
 }
@@ -161,6 +156,12 @@ bool DoesArrayContainFontWithDatabaseID(const FontRecordArray& fonts, std::uint3
   return false;
 }
 
+bool IsMultipleMaster(const FontRecord& record) {
+  const std::string* kind = FindString(record, kFP_KindKey);
+  return kind != nullptr &&
+         (*kind == kFP_Kind_PostscriptMM || *kind == kFP_Kind_PostscriptMultipleMaster);
+}
+
 FontRecord GetFaceprintDictionaryFromArrayWithPostscriptName(const FontRecordArray& fonts,
                                                              const char* name,
                                                              std::size_t* outIndex) {
@@ -169,8 +170,7 @@ FontRecord GetFaceprintDictionaryFromArrayWithPostscriptName(const FontRecordArr
     FontRecord record = fonts->DictionaryAt(i);
     const std::string* entryName = FindString(record, kFP_PostScriptNameKey);
     if (entryName == nullptr) continue;
-    const bool isInstance =
-        *entryName != name && IsMultipleMasterInstanceOf(name, record, *entryName);
+    const bool isInstance = IsInstanceOf(name, *entryName) && IsMultipleMaster(record);
     if (isInstance) {
       OutputFormattedDebugString(
           "...Special case for MM:  matching Faceprint data for PS name \"%s\" to PS name \"%s\"",

@@ -26,6 +26,8 @@ bool DoesArrayContainFontWithPostScriptName(const FontRecordArray& fonts, const 
                                             std::size_t* outIndex = nullptr);
 bool DoesArrayContainFontWithDatabaseID(const FontRecordArray& fonts, std::uint32_t id,
                                         std::size_t* outIndex = nullptr);
+// Is it of one of the two Multiple Master kinds?
+bool IsMultipleMaster(const FontRecord& record);
 // An exact name, or a Multiple Master base of the asked instance; null if there is none.
 FontRecord GetFaceprintDictionaryFromArrayWithPostscriptName(const FontRecordArray& fonts,
                                                              const char* name,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "fontmanager/FontManagerInterface.h"
 #include "fonts/FontNames.h"
 #include "fonts/RecordAccess.h"
 #include "foundation/GString.h"
@@ -71,6 +72,12 @@ bool IsUsableChecksum(const std::string* text) {
   return text != nullptr && !text->empty() && *text != "0";
 }
 
+// A checksum of another kind than text is none of ours to judge: it stays.
+bool LacksChecksum(const FontRecord& record) {
+  const std::string* text = FindString(record, kFP_ChecksumKey);
+  return !record->Has(kFP_ChecksumKey) || (text != nullptr && !IsUsableChecksum(text));
+}
+
 }  // namespace
 
 FontRecord CreateFaceprintDictionary(const char* postScriptName) {
@@ -129,7 +136,7 @@ FontRecordArray CreateFontArrayFromFontMatchArray(const FontRecordArray& fonts) 
 }
 
 int CreateXMLFaceprintSlug(const FontRecordArray& fonts, std::string* outXml) {
-  if (!fonts || outXml == nullptr) return -50;
+  if (!fonts || outXml == nullptr) return kErrorBadArgument;
   if (std::optional<std::string> xml = PropertyList::WriteXml(fonts)) *outXml = std::move(*xml);
   return 0;
 }
@@ -144,15 +151,12 @@ bool IsSluggableKey(std::string_view key) {
 
 bool RemoveUnsluggableKeysFromDictionary(const FontRecord& record) {
   if (!record) return false;
-  std::vector<std::string> unsluggable;
-  for (const auto& [key, value] : record->Entries()) {
-    if (!IsSluggableKey(key)) unsluggable.push_back(key);
-  }
-  for (const std::string& key : unsluggable) {
+  const std::size_t removed = record->RemoveIf([](const std::string& key) {
+    if (IsSluggableKey(key)) return false;
     OutputFormattedDebugString("Removing key %s", key.c_str());
-    record->Remove(key);
-  }
-  return !unsluggable.empty();
+    return true;
+  });
+  return removed > 0;
 }
 
 int RemoveUnsluggableFaceprintKeys(const FontRecordArray& fonts) {
@@ -167,7 +171,7 @@ bool FixFaceprintChecksumsIfNeeded(const FontRecord& record) {
   if (!record) return false;
   bool changed = false;
   const std::string* newer = FindString(record, kFP_Faceprint_1_2_Key);
-  if (IsUsableChecksum(newer) && !IsUsableChecksum(FindString(record, kFP_ChecksumKey))) {
+  if (IsUsableChecksum(newer) && LacksChecksum(record)) {
     OutputFormattedDebugString(
         "Faceprint 1.1 checksum was 0 or not provided.  "
         "Using Faceprint 1.2 checksum for its value.");

@@ -67,6 +67,12 @@ bool ChecksumsMatch(const FontRecord& source, const FontRecord& candidate, const
   return false;
 }
 
+// Do both know this checksum? Then it has settled whether they are the same font.
+bool BothHaveChecksum(const FontRecord& source, const FontRecord& candidate, const char* key) {
+  return FindString(source, key) != nullptr && FindString(candidate, key) != nullptr &&
+         ChecksumBits(source, key) != 0 && ChecksumBits(candidate, key) != 0;
+}
+
 KeyResult CompareKey(const FontRecord& source, const FontRecord& candidate, const char* key) {
   if (!source->Has(key)) return KeyResult::kNotAsked;
   if (!candidate->Has(key)) return KeyResult::kMismatch;
@@ -121,9 +127,7 @@ bool IsPerfectMatch(const FontRecord& source, const FontRecord& candidate) {
       OutputFormattedDebugString("Found mismatch on '%s'", key);
       return false;
     }
-    const bool settled = IsFaceprintChecksum(key) && KeyHasNonZeroValue(source, key) &&
-                         KeyHasNonZeroValue(candidate, key);
-    if (settled) break;
+    if (IsFaceprintChecksum(key) && BothHaveChecksum(source, candidate, key)) break;
   }
   if (comparedKeys < kKeysOfAPerfectMatch) {
     OutputFormattedDebugString("source document lacks enough keys for a match.");

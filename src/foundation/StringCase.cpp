@@ -151,6 +151,11 @@ bool ISUTF8StringLessThanNoCase(std::string_view a, std::string_view b) {
 
 std::size_t StringFindNoCase(std::string_view text, std::string_view part) {
   if (part.empty()) return 0;
+  constexpr std::size_t kShort = 256;  // so short that the square of it is no time
+  const auto isAscii = [](std::string_view bytes) { return std::ranges::all_of(bytes, IsAscii); };
+  if (text.size() <= kShort && isAscii(text) && isAscii(part)) {
+    return AsciiToLowerCase(text).find(AsciiToLowerCase(part));
+  }
   const bool byCharacters = GString::IsValidUtf8(text) && GString::IsValidUtf8(part);
   return FindAtCharacters(FoldWithPositions(text, byCharacters),
                           byCharacters ? Fold(part) : AsciiToLowerCase(part));

@@ -24,7 +24,7 @@ FontRecord DecodeSlug(std::string_view text) {
 void WriteDatabaseState(const FontRecord& record,
                         const FontManagerInterface::FontOrSetInfoRec& rec) {
   const bool isTemporary = rec.activationState == kActivationStateTemporary;
-  const bool isActive = isTemporary || rec.activationState == kActivationStateActive;
+  const bool isActive = IsActiveState(rec.activationState);
   SetRecordNumber(record, kFP_DatabaseIDKey, rec.databaseID);
   SetRecordNumber(record, kFP_IsTempKey, isTemporary ? 1 : 0);
   SetRecordNumber(record, kFP_IsActiveKey, isActive ? 1 : 0);

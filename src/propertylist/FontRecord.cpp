@@ -1,6 +1,7 @@
 #include "propertylist/FontRecord.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "sdk/FontRecordKeys.h"
 
@@ -23,7 +24,8 @@ std::int64_t RecordInteger(const FontRecord& record, std::string_view key) {
 }
 
 std::uint32_t RecordDatabaseID(const FontRecord& record) {
-  return static_cast<std::uint32_t>(RecordInteger(record, kFP_DatabaseIDKey));
+  const std::int64_t id = RecordInteger(record, kFP_DatabaseIDKey);
+  return std::in_range<std::uint32_t>(id) ? static_cast<std::uint32_t>(id) : 0;
 }
 
 bool RecordFlag(const FontRecord& record, std::string_view key) {

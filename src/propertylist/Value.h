@@ -189,6 +189,11 @@ class Dictionary final : public PLDictionary {
   void Set(std::string_view key, Value value);
   // False if the key was absent.
   bool Remove(std::string_view key);
+  // Removes the entries of which `isUnwanted(key)` says so, in linear time; how many there were.
+  template <typename Predicate>
+  std::size_t RemoveIf(Predicate isUnwanted) {
+    return std::erase_if(mEntries, [&](const Entry& entry) { return isUnwanted(entry.first); });
+  }
   void Clear() { mEntries.clear(); }
   // Another dictionary of the same entries; what they share stays shared.
   DictionaryRef Copy() const;
