@@ -2,8 +2,8 @@
 
 #include "coreagent/CommandRetry.h"
 #include "coreagent/CoreAgentInterface.h"
-#include "facade/FacadeCall.h"
 #include "dialogs/TarnInterface.h"
+#include "facade/FacadeCall.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"
 #include "state/KestraneGlobals.h"

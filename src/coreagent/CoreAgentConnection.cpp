@@ -1,7 +1,7 @@
 #include "coreagent/CommandRetry.h"
 #include "coreagent/CoreAgentInterface.h"
-#include "facade/FacadeCall.h"
 #include "dialogs/TarnInterface.h"
+#include "facade/FacadeCall.h"
 #include "foundation/PluginLog.h"
 #include "foundation/WallClock.h"
 #include "state/KestraneGlobals.h"

@@ -1,6 +1,6 @@
 #include "coreagent/CoreAgentInterface.h"
-#include "facade/FacadeCall.h"
 #include "dialogs/TarnInterface.h"
+#include "facade/FacadeCall.h"
 #include "facade/SkerryLoader.h"
 #include "foundation/PluginLog.h"
 #include "state/KestraneGlobals.h"

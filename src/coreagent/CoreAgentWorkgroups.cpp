@@ -1,6 +1,6 @@
 #include "coreagent/CoreAgentInterface.h"
-#include "facade/FacadeCall.h"
 #include "dialogs/TarnInterface.h"
+#include "facade/FacadeCall.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"
 #include "state/KestraneGlobals.h"
@@ -97,9 +97,7 @@ void CoreAgentInterface::LocalizeWorkgroup(const PropertyList::ArrayRef& workgro
 }
 
 void CoreAgentInterface::AppendAllWorkgroupsEntry(const PropertyList::ArrayRef& workgroups) {
-  const char* key = RunningStandalone() ? "All Libraries" : "All Workgroups";
-  const TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
-  const std::string name = tarn ? tarn->LocalizedString(key) : key;
+  const std::string name = AllWorkgroupsName();
   OutputFormattedDebugString("Adding '%s' to user's workgroup list.", name.c_str());
   const auto entry = PropertyList::Dictionary::Create();
   entry->Set(kFP_WorkgroupNameKey, name);

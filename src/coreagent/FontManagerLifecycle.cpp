@@ -17,6 +17,9 @@ namespace {
 constexpr std::string_view kUnnumberedVersion = "1.0.0.0";
 constexpr int kDotsThatDecide = 3;
 
+// Raised by a shutdown that came while the font manager was being made. [main-thread]
+bool sShutdownWhileMaking = false;
+
 struct Facade {
   bool isLoaded = false;
   std::string location;
@@ -67,10 +70,12 @@ bool VersionsAreCompatible(std::string_view facadeVersion, std::string_view plug
 std::uint32_t FontManagerInterface::CompatibleFontManagerIsRunning(std::string* outBundleName,
                                                                    bool* outRunning) {
   const OperationTrace trace(__func__);
-  GScopedLock lock(FontManagerMutex(), true, new GBlockingLockStrategy);
+  GScopedLock lock(FontManagerMutex());
   bool ignored = false;
   bool& running = outRunning ? *outRunning : ignored;
   running = false;
+  if (!lock.IsLocked()) return trace.Return(CoreErrorCodes::kUnknownError);
+  sShutdownWhileMaking = false;
   if (FontManagerInterface* existing = GetFontManager()) {
     running = existing->IsRunning();
     return trace.Return(running ? CoreErrorCodes::kSuccess : CoreErrorCodes::kUnknownError);
@@ -79,8 +84,12 @@ std::uint32_t FontManagerInterface::CompatibleFontManagerIsRunning(std::string* 
   Facade facade;
   const std::uint32_t code = FindFacade(facade);
   if (!facade.isLoaded) return trace.Return(code);
-  sm_pFontManager.store(std::make_unique<CoreAgentInterface>().release(),
-                        std::memory_order_release);
+  auto made = std::make_unique<CoreAgentInterface>();
+  if (sShutdownWhileMaking) {
+    made->DisconnectFromFontManager();
+    return trace.Return(code);
+  }
+  ExchangeFontManager(made.release());
   FontManagerInterface& fontManager = *GetFontManager();
   NameEdition(fontManager, outBundleName);
   running = fontManager.IsRunning();
@@ -96,7 +105,11 @@ std::uint32_t FontManagerInterface::CompatibleFontManagerIsRunning(std::string* 
 
 void FontManagerInterface::OnHostAppShuttingDown(bool showProgress) {
   const OperationTrace trace(__func__);
-  GScopedLock lock(FontManagerMutex(), true, new GBlockingLockStrategy);
+  GScopedLock lock(FontManagerMutex());
+  if (!lock.IsLocked()) {
+    sShutdownWhileMaking = true;
+    return;
+  }
   const TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
   FontActivationTracker* tracker = KestraneGlobals::GetExistingFontActivationTracker();
   if (tarn && tarn->IsValid() && tracker) {

@@ -2,9 +2,9 @@
 // exactly one live instance. Definitions stand by topic in the rooms where what they need is known:
 // the inert defaults here, selection and queries in `manager`, birth and end in `coreagent`.
 //
-// Results are 0, -1 (general failure), -50 (bad argument) or 1000 (the font manager has gone, which
-// stops every loop over fonts at once). Threads: [main-thread], but for GetFontManager: the
-// facade's callback asks for it on a thread of its own.
+// Results are 0, -1 (general failure), -50 (bad argument), 1000 (the font manager has gone, which
+// stops every loop over fonts at once) or, where an operation says so, the facade's code. Threads:
+// [main-thread], but for GetFontManager: the facade's callback asks for it on a thread of its own.
 #pragma once
 
 #include <atomic>
@@ -111,7 +111,8 @@ class FontManagerInterface {
                                                 const FontRecordArray& fonts);
   virtual int ProcessNotifications() { return 0; }
   virtual bool AreSchemaVersionsInSync() { return true; }
-  // Entries hold kFP_WorkgroupIDKey, kFP_WorkgroupNameKey, kFP_WorkgroupTypeKey. Null is legal.
+  // Entries hold kFP_WorkgroupIDKey, kFP_WorkgroupNameKey, kFP_WorkgroupTypeKey. Null is legal. The
+  // facade's code.
   virtual int GetAllWorkgroupsForUser(PropertyList::ArrayRef& outWorkgroups,
                                       bool addAllWorkgroupsEntry, bool includeSpecialWorkgroups,
                                       bool includeTypekitWorkgroup) = 0;
@@ -119,9 +120,12 @@ class FontManagerInterface {
   virtual int SetDefaultWorkgroupID(int id);
   virtual int SetDefaultWorkgroupName(const std::optional<std::string>& name);
   virtual std::optional<std::string> GetDefaultWorkgroupName();
+  // By name, with case; -2 for the localised name of all workgroups where the user may activate
+  // from all. -1 without such a name.
   virtual int GetWorkgroupID(const std::optional<std::string>& name, int* outID);
   virtual std::optional<std::string> GetWorkgroupNameFromID(long id);
   virtual int RemoveRemoteFonts(const FontRecordArray& fonts) = 0;
+  // 0 if at least one font got its name, else -1.
   virtual int AddWorkgroupNamesToFonts(const FontRecordArray& fonts);
   virtual std::optional<std::string> FindWorkgroupIDGetName(
       long id, const PropertyList::ArrayRef& workgroups);
@@ -151,10 +155,16 @@ class FontManagerInterface {
   // The dialog interface is valid, the preference is on, services are enabled, there is a font
   // manager and it says that the user is logged in; asked in this order.
   static bool AutoActivationIsReady();
-  // Makes the font manager at the first call; a code of the foundation. `coreagent` defines it.
+  // Makes the font manager at the first call, and keeps it even if the connection fails; a code of
+  // the foundation. Both arguments may be null. `outRunning` tells more than the code: it is false
+  // beside code 0 if the versions don't fit, and true beside the code of a user who is not logged
+  // in. A call from within a call (a message box turned the run loop) makes nothing.
+  // `coreagent` defines it.
   static std::uint32_t CompatibleFontManagerIsRunning(std::string* outBundleName, bool* outRunning);
-  // Closes all fonts, disconnects and destroys the font manager. `coreagent` defines it.
+  // Closes all fonts, disconnects and destroys the font manager; asked for while it is being made,
+  // it is not kept. `coreagent` defines it.
   static void OnHostAppShuttingDown(bool showProgress);
+  // Is a usable workgroup selected, or could one be selected now?
   static bool CheckSelectWorkgroup();
   // Is a font of this exact PostScript name visible to this process? The name is first turned into
   // a MacRoman platform string and read back; a name that has no such form (a character outside
@@ -164,13 +174,21 @@ class FontManagerInterface {
   static std::string GetStringFromDictionary(const PropertyList::DictionaryRef& dictionary,
                                              const std::string& key);
 
+  // By name: is there a workgroup of the user's own that is called as this one is?
   bool IsValidWorkgroupForUser(int id);
   bool UserHasAtLeastOneWorkgroup();
   int GetCurrentWorkgroupID();
+  // At the start: keeps the selected workgroup if it is valid, selects the only possible one, or
+  // leaves the choice to HandleSelectWorkgroup.
   void InitializeDefaultWorkgroup();
   bool IsAllWorkgroupsSelected();
+  // Keeps the selected workgroup, else selects all of them or the first; 0 where there is none,
+  // which in the server edition also ends the plug-in's services, with a message. Not within
+  // itself.
   void HandleSelectWorkgroup();
-  // The name ladder: candidates for a document font, best first. `ioCandidates` is not null.
+  // The name ladder: candidates for a document font, best first. `ioCandidates` is not null, and is
+  // another array afterwards if anything was found. `outExcludedRemote` may be null, and is only
+  // ever set to true. -1 for names of 128 bytes and more.
   int GetFaceprintData(const FontRecord& sourceFont, int nameType, bool* outExcludedRemote,
                        long workgroupID, FontRecordArray& ioCandidates);
   int GetFaceprintDataForFontName(const std::optional<std::string>& name, TypeOfFontName nameType,
@@ -181,7 +199,7 @@ class FontManagerInterface {
   static bool GetValidWorkgroupSelected() { return sValidWorkgroupSelected != 0; }
 
  private:
-  void ChooseWorkgroup(const PropertyList::ArrayRef& workgroups);
+  void ChooseWorkgroup(const PropertyList::ArrayRef& workgroups, int firstID);
   void GiveUpWorkgroups(bool wasValid);
   int ClimbNameLadder(const std::string& name, TypeOfFontName nameType, bool* outExcludedRemote,
                       long workgroupID, FontRecordArray& ioCandidates);
@@ -191,6 +209,9 @@ class FontManagerInterface {
                            std::vector<char>& buffer, int& outError);
 
  protected:
+  // The localised name of the pseudo-entry that stands for all workgroups of this edition; the key
+  // itself without a dialog interface.
+  std::string AllWorkgroupsName();
   // Guards creation and destruction of the instance.
   static GMutex& FontManagerMutex();
 

@@ -1,4 +1,7 @@
 // From a document font to the font manager's candidates for it.
+#include <algorithm>
+#include <cstring>
+
 #include "fontmanager/FontManagerInterface.h"
 #include "fonts/FontNames.h"
 #include "fonts/MatchRules.h"
@@ -11,6 +14,8 @@ namespace {
 
 // A name is looked up only if it fits with its terminator.
 constexpr std::size_t kNameBufferSize = 128;
+// No font manager has as many versions of one name.
+constexpr long kMaxNamedFonts = 65536;
 // The text form of one record; a longer one is passed over.
 constexpr std::size_t kSlugBufferSize = 65536;
 
@@ -108,6 +113,7 @@ int FontManagerInterface::GetFaceprintDataForFontName(const std::optional<std::s
   int error = CountNamedFonts(*name, nameType, workgroupID, count, std::string());
   if (error != 0 || count == 0) return trace.Return(AsShort(error));
   if (count < 0) return trace.Return(0);
+  count = std::min(count, kMaxNamedFonts);
 
   FontRecordArray candidates;
   std::vector<char> buffer(kSlugBufferSize);
@@ -138,7 +144,7 @@ int FontManagerInterface::GetFaceprintDataForFontName(const std::optional<std::s
 FontRecord FontManagerInterface::ReadCandidate(const std::string& name, const FontOrSetInfoRec& rec,
                                                std::vector<char>& buffer, int& outError) {
   std::size_t size = buffer.size();
-  buffer[0] = '\0';
+  std::fill(buffer.begin(), buffer.end(), '\0');
   const int databaseID = static_cast<int>(rec.databaseID);
   outError = GetFaceprintInfo(rec.databaseID, rec.info, buffer.data(), size);
   if (outError != 0) {
@@ -156,12 +162,11 @@ FontRecord FontManagerInterface::ReadCandidate(const std::string& name, const Fo
     OutputFormattedDebugString("...CFDataCreate could not deal with \"%s\".", name.c_str());
     return nullptr;
   }
-  const std::string_view text(buffer.data(), size);
-  FontRecord record = DecodeSlug(text);
+  FontRecord record = DecodeSlug({buffer.data(), strnlen(buffer.data(), size)});
   if (!record) {
     OutputFormattedDebugString(
-        "...CFPropertyListCreateFromXMLData failed on \"%.*s\".  OS message is:\n   \"%s\"",
-        static_cast<int>(text.size()), text.data(), "The text is no list of font records.");
+        "...CFPropertyListCreateFromXMLData failed on \"%s\".  OS message is:\n   \"%s\"",
+        name.c_str(), "The text is no list of font records.");
   }
   return record;
 }

@@ -1,4 +1,6 @@
 // Which workgroup the plug-in works in: the selected ID lives in the preferences.
+#include <utility>
+
 #include "dialogs/TarnInterface.h"
 #include "fontmanager/FontManagerInterface.h"
 #include "foundation/PluginLog.h"
@@ -21,17 +23,35 @@ class InProgressGuard {
   std::int16_t& mFlag;
 };
 
-int WorkgroupIDOf(const PropertyList::DictionaryRef& workgroup) {
-  return static_cast<int>(RecordInteger(workgroup, kFP_WorkgroupIDKey));
+// Signed 32-bit numbers; nothing where there is none, or one beyond that.
+std::optional<int> WorkgroupIDOf(const PropertyList::DictionaryRef& record) {
+  if (!RecordHas(record, kFP_WorkgroupIDKey)) return std::nullopt;
+  const std::int64_t id = RecordInteger(record, kFP_WorkgroupIDKey);
+  if (!std::in_range<int>(id)) return std::nullopt;
+  return static_cast<int>(id);
+}
+
+// The first workgroup that can be selected.
+std::optional<int> FirstWorkgroupID(const PropertyList::ArrayRef& workgroups) {
+  for (std::size_t i = 0; i < CountOf(workgroups); ++i) {
+    const std::optional<int> id = WorkgroupIDOf(workgroups->DictionaryAt(i));
+    if (id && *id != kNoWorkgroupID) return id;
+  }
+  return std::nullopt;
+}
+
+// Not through an instance: the font manager may be gone when a message box is.
+void WriteCurrentWorkgroupID(int id) {
+  if (TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface()) {
+    tarn->SetCurrentWorkgroupID(id);
+  }
 }
 
 // The first workgroup of this ID; null if there is none.
 PropertyList::DictionaryRef FindWorkgroup(const PropertyList::ArrayRef& workgroups, long id) {
   for (std::size_t i = 0; i < CountOf(workgroups); ++i) {
     auto workgroup = workgroups->DictionaryAt(i);
-    if (RecordHas(workgroup, kFP_WorkgroupIDKey) && WorkgroupIDOf(workgroup) == id) {
-      return workgroup;
-    }
+    if (WorkgroupIDOf(workgroup) == id) return workgroup;
   }
   return nullptr;
 }
@@ -84,9 +104,7 @@ bool FontManagerInterface::CheckSelectWorkgroup() {
 }
 
 int FontManagerInterface::SetDefaultWorkgroupID(int id) {
-  if (TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface()) {
-    tarn->SetCurrentWorkgroupID(id);
-  }
+  WriteCurrentWorkgroupID(id);
   return 0;
 }
 
@@ -105,18 +123,20 @@ int FontManagerInterface::GetWorkgroupID(const std::optional<std::string>& name,
   if (!name || !outID) return kErrorGeneral;
   PropertyList::ArrayRef workgroups;
   if (GetAllWorkgroupsForUser(workgroups, false, true, false) != 0) return kErrorGeneral;
-  const TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
-  if (tarn && CanActivateFromAllWorkgroups()) {
-    const char* key = RunningStandalone() ? "All Libraries" : "All Workgroups";
-    if (tarn->LocalizedString(key) == *name) {
-      *outID = kAllWorkgroupsID;
-      return 0;
-    }
+  if (CanActivateFromAllWorkgroups() && *name == AllWorkgroupsName()) {
+    *outID = kAllWorkgroupsID;
+    return 0;
   }
-  const auto workgroup = FindWorkgroupByName(workgroups, *name);
-  if (!workgroup) return kErrorGeneral;
-  *outID = WorkgroupIDOf(workgroup);
+  const std::optional<int> id = WorkgroupIDOf(FindWorkgroupByName(workgroups, *name));
+  if (!id) return kErrorGeneral;
+  *outID = *id;
   return 0;
+}
+
+std::string FontManagerInterface::AllWorkgroupsName() {
+  const char* key = RunningStandalone() ? "All Libraries" : "All Workgroups";
+  const TarnInterface* tarn = KestraneGlobals::GetSharedTarnInterface();
+  return tarn ? tarn->LocalizedString(key) : key;
 }
 
 std::optional<std::string> FontManagerInterface::GetWorkgroupNameFromID(long id) {
@@ -139,8 +159,9 @@ int FontManagerInterface::AddWorkgroupNamesToFonts(const FontRecordArray& fonts)
   int result = kErrorGeneral;
   for (std::size_t i = 0; i < CountOf(fonts); ++i) {
     const FontRecord font = fonts->DictionaryAt(i);
-    if (!RecordHas(font, kFP_WorkgroupIDKey)) continue;
-    if (const auto name = FindWorkgroupIDGetName(WorkgroupIDOf(font), workgroups)) {
+    const std::optional<int> id = WorkgroupIDOf(font);
+    if (!id) continue;
+    if (const auto name = FindWorkgroupIDGetName(*id, workgroups)) {
       font->Set(kFP_WorkgroupNameKey, *name);
       result = 0;
     }
@@ -186,9 +207,10 @@ void FontManagerInterface::InitializeDefaultWorkgroup() {
     return;
   }
   const PropertyList::ArrayRef workgroups = LoadUserWorkgroups(*this);
-  const bool isOnlyOne = CountOf(workgroups) == 1;
-  if (isOnlyOne) SetDefaultWorkgroupID(WorkgroupIDOf(workgroups->DictionaryAt(0)));
-  SetValidWorkgroupSelected(isOnlyOne);
+  const std::optional<int> only =
+      CountOf(workgroups) == 1 ? FirstWorkgroupID(workgroups) : std::nullopt;
+  if (only) SetDefaultWorkgroupID(*only);
+  SetValidWorkgroupSelected(only.has_value());
 }
 
 void FontManagerInterface::HandleSelectWorkgroup() {
@@ -208,19 +230,17 @@ void FontManagerInterface::HandleSelectWorkgroup() {
     return;
   }
   const PropertyList::ArrayRef workgroups = LoadUserWorkgroups(*this);
-  if (CountOf(workgroups) == 0) {
-    GiveUpWorkgroups(wasValid);
+  if (const std::optional<int> firstID = FirstWorkgroupID(workgroups)) {
+    ChooseWorkgroup(workgroups, *firstID);
   } else {
-    ChooseWorkgroup(workgroups);
+    GiveUpWorkgroups(wasValid);
   }
 }
 
-// `workgroups` holds at least one entry.
-void FontManagerInterface::ChooseWorkgroup(const PropertyList::ArrayRef& workgroups) {
+void FontManagerInterface::ChooseWorkgroup(const PropertyList::ArrayRef& workgroups, int firstID) {
   int chosenID = GetCurrentWorkgroupID();
   if (chosenID == kNoWorkgroupID || !FindWorkgroup(workgroups, chosenID)) {
-    chosenID = CanActivateFromAllWorkgroups() ? kAllWorkgroupsID
-                                              : WorkgroupIDOf(workgroups->DictionaryAt(0));
+    chosenID = CanActivateFromAllWorkgroups() ? kAllWorkgroupsID : firstID;
   }
   KestraneGlobals::SetUserHasWorkgroups(true);
   SetValidWorkgroupSelected(true);
@@ -237,5 +257,5 @@ void FontManagerInterface::GiveUpWorkgroups(bool wasValid) {
       KestraneGlobals::GetSharedTarnInterface()->ShowNoWorkgroupsMessageBox();
     }
   }
-  SetDefaultWorkgroupID(kNoWorkgroupID);
+  WriteCurrentWorkgroupID(kNoWorkgroupID);
 }

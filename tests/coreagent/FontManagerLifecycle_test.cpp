@@ -130,4 +130,22 @@ TEST_F(Lifecycle, EndsByClosingUnregisteringAndDestroying) {
       "*** UH-OH, sm_pFontManager is NULL in FontManagerInterface::OnHostAppShuttingDown"));
 }
 
+// A message box during the start turns the host's run loop, and the user may quit from there.
+TEST_F(Lifecycle, AShutdownWithinTheStartKeepsNothing) {
+  facade.Answer("InitThreadInstance", {0x02002005});
+  world.InstallFacade();
+  int boxes = 0;
+  tarn.onDialog = [&boxes] {
+    ++boxes;
+    EXPECT_EQ(Ask().code, CoreErrorCodes::kUnknownError);
+    FontManagerInterface::OnHostAppShuttingDown(false);
+  };
+  EXPECT_FALSE(Ask().running);
+  EXPECT_EQ(boxes, 1);
+  EXPECT_EQ(FontManagerInterface::GetFontManager(), nullptr);
+  EXPECT_FALSE(facade.HasCallback());
+  tarn.onDialog = {};
+  EXPECT_TRUE(Ask().running);  // a later start is one of its own
+}
+
 }  // namespace
