@@ -1,5 +1,5 @@
-// What a document asks for, against some thousands of real faces: the table says what a person would
-// pick from them. All of it is real: agent, database, facade, plug-in. The faces come from
+// What a document asks for, against some thousands of real faces: the table says what a person
+// would pick from them. All of it is real: agent, database, facade, plug-in. The faces come from
 // tools/fonts/get_faces.sh.
 #include <gtest/gtest.h>
 
@@ -12,21 +12,23 @@
 #include "activation/Pipeline.h"
 #include "fontmanager/FontManagerInterface.h"
 #include "fonts/FontRecordOperations.h"
+#include "host/DocumentFonts.h"
 #include "host/PluginSession.h"
 #include "sdk/FontRecordKeys.h"
 #include "support/AgentHome.h"
+#include "support/FontNamingDocument.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 constexpr std::uint64_t kLeastFaces = 3000;
-constexpr std::size_t kLeastRows = 60, kLeastRowsOfAClass = 8, kLeastOpenRows = 10;
-constexpr const char* kClasses[] = {"subset",   "multiple-master", "regular",         "blank",
-                                    "japanese", "variable",        "several-versions"};
+constexpr std::size_t kLeastRows = 60, kLeastRowsOfAGroup = 8, kLeastOpenRows = 10;
+constexpr const char* kGroups[] = {"subset",   "multiple-master", "regular",         "blank",
+                                   "japanese", "variable",        "several-versions"};
 
 struct Row {
-  std::string kind, road, name, knows, status, postScriptName, file, reason;
+  std::string group, road, name, knows, status, postScriptName, file, reason;
 };
 
 std::vector<Row> ReadTable() {
@@ -36,7 +38,7 @@ std::vector<Row> ReadTable() {
     if (line.empty() || line.starts_with('#')) continue;
     Row row;
     std::istringstream cells(line);
-    for (std::string* cell : {&row.kind, &row.road, &row.name, &row.knows, &row.status,
+    for (std::string* cell : {&row.group, &row.road, &row.name, &row.knows, &row.status,
                               &row.postScriptName, &row.file, &row.reason}) {
       std::getline(cells, *cell, '\t');
       if (*cell == "-") cell->clear();
@@ -46,12 +48,15 @@ std::vector<Row> ReadTable() {
   return rows;
 }
 
-// The document's font: by its name as a scan of bytes cleans it, or as it stands with what else a
-// document's own record tells (key=value, separated by semicolons).
-FontRecordArray Asked(const Row& row) {
+// What the document asks for: the names that are read from a document on disk, or a record as it
+// stands with what else it tells (key=value, separated by semicolons).
+FontRecordArray Asked(const Row& row, const ScratchHome& home) {
   FontRecordArray fonts = MakeFontRecordArray();
   if (row.road == "scan") {
-    FaceprintSupport::AddFontToArray(row.name.c_str(), fonts, false);
+    const std::string path = home.WriteFile("asks.psd", DocumentNaming({row.name}));
+    for (const DocumentFont& font : ReadDocumentFonts(path).fonts) {
+      fonts->Append(FaceprintSupport::CreateFaceprintDictionary(font.postScriptName.c_str()));
+    }
     return fonts;
   }
   FontRecord record = FaceprintSupport::CreateFaceprintDictionary(row.name.c_str());
@@ -64,15 +69,13 @@ FontRecordArray Asked(const Row& row) {
   return fonts;
 }
 
-std::string FileOf(const FontRecord& font) { return RecordString(font, kFP_PathKey); }
-
 // The answer as the table writes it, and the face's file.
 struct Answer {
   std::string status, postScriptName, file;
 };
 
-Answer Ask(const Row& row) {
-  const FontRecordArray fonts = Asked(row), matched = MakeFontRecordArray(),
+Answer Ask(const Row& row, const ScratchHome& home) {
+  const FontRecordArray fonts = Asked(row, home), matched = MakeFontRecordArray(),
                         problem = MakeFontRecordArray();
   FaceprintSupport::ProcessDocumentFontsForAutoActivation(
       fonts, matched, problem, true, row.road == "best",
@@ -80,19 +83,19 @@ Answer Ask(const Row& row) {
   if (CountOf(matched) == 1) {
     const FontRecord match = matched->DictionaryAt(0)->GetDictionary(kFP_MatchedFontKey);
     return {RecordFlag(match, kFP_IsActiveKey) ? "active" : "inactive",
-            RecordString(match, kFP_PostScriptNameKey), FileOf(match)};
+            RecordString(match, kFP_PostScriptNameKey), RecordString(match, kFP_PathKey)};
   }
-  if (CountOf(problem) != 1) return {"in neither list", {}, {}};
-  const FontRecordArray choice =
-      problem->DictionaryAt(0)->GetArray(kFP_PossibleReplacementsKey);
+  if (CountOf(problem) != 1) return {"neither matched nor a problem", {}, {}};
+  const FontRecordArray choice = problem->DictionaryAt(0)->GetArray(kFP_PossibleReplacementsKey);
   if (CountOf(choice) == 0) return {"missing", {}, {}};
+  const FontRecord first = choice->DictionaryAt(0);
   return {"choice of " + std::to_string(CountOf(choice)),
-          RecordString(choice->DictionaryAt(0), kFP_PostScriptNameKey), FileOf(choice->DictionaryAt(0))};
+          RecordString(first, kFP_PostScriptNameKey), RecordString(first, kFP_PathKey)};
 }
 
-void CheckRow(const Row& row) {
-  const Answer answer = Ask(row);
-  const std::string told = row.kind + ": " + row.name + " [" + row.knows + "]: " + row.reason +
+void CheckRow(const Row& row, const ScratchHome& home) {
+  const Answer answer = Ask(row, home);
+  const std::string told = row.group + ": " + row.name + " [" + row.knows + "]: " + row.reason +
                            "\nIt is " + answer.status + ' ' + answer.postScriptName + ' ' +
                            answer.file;
   EXPECT_EQ(row.status, answer.status) << told;
@@ -125,15 +128,15 @@ TEST(RealFaces, GiveWhatAPersonWouldPick) {
   ASSERT_TRUE(session.Start(message)) << message;
 
   const std::vector<Row> rows = ReadTable();
-  std::map<std::string, std::size_t> ofClass;
+  std::map<std::string, std::size_t> ofGroup;
   std::size_t open = 0;
   for (const Row& row : rows) {
-    ++ofClass[row.kind];
+    ++ofGroup[row.group];
     open += row.status == "missing" || row.status.starts_with("choice") ? 1 : 0;
     EXPECT_FALSE(row.reason.empty()) << row.name;
-    CheckRow(row);
+    CheckRow(row, home.Home());
   }
   EXPECT_GE(rows.size(), kLeastRows);
   EXPECT_GE(open, kLeastOpenRows);
-  for (const char* kind : kClasses) EXPECT_GE(ofClass[kind], kLeastRowsOfAClass) << kind;
+  for (const char* group : kGroups) EXPECT_GE(ofGroup[group], kLeastRowsOfAGroup) << group;
 }
