@@ -25,7 +25,8 @@ struct FaceInfo {
 
 struct FontFileInfo {
   bool isFontFile = false;      // by its first bytes, or by its name
-  std::vector<FaceInfo> faces;  // those with a PostScript name
+  // Those with a PostScript name. Characters that none may hold are left out of it.
+  std::vector<FaceInfo> faces;
   std::string error;            // why there is no face; empty if there is one
 };
 
