@@ -24,11 +24,12 @@ namespace Nodrix {
 namespace {
 
 constexpr long kMaxFaces = 1024;
-constexpr std::size_t kMaxInstances = 1024;
+constexpr FT_UInt kMaxInstances = 1024;
 constexpr std::size_t kHeadSize = 64;
 // Enough for the biggest name table that its 16-bit offsets can reach.
 constexpr FT_ULong kMaxNameTable = 1 << 20;
 constexpr std::size_t kMaxTables = 1024;
+constexpr FT_UInt kLastReservedName = 255;  // from there on names are the font's own
 
 struct ReleaseFace {
   void operator()(FT_Face face) const { FT_Done_Face(face); }
@@ -116,6 +117,52 @@ void DescribeType1(FT_Face face, FaceInfo& info) {
   info.kind = FontKind(traits);
 }
 
+bool IsLetterOrDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+std::string LettersAndDigits(std::string text) {
+  std::erase_if(text, [](char c) { return !IsLetterOrDigit(c); });
+  return text;
+}
+
+// What PostScript allows in a name; hosts leave the rest out.
+std::string AllowedInName(std::string text) {
+  std::erase_if(text, [](char c) {
+    return c <= 0x20 || c >= 0x7F ||
+           std::string_view("()[]{}<>/%").find(c) != std::string_view::npos;
+  });
+  return text;
+}
+
+// FreeType gives no name where the font's own holds what is not allowed, a blank for instance.
+std::string NameOf(FT_Face face) {
+  if (const char* name = FT_Get_Postscript_Name(face); name != nullptr) return name;
+  return FT_IS_SFNT(face) ? AllowedInName(NamesOf(face).Text(NameTable::ePostScriptName))
+                          : std::string();
+}
+
+// What the names of a font's instances begin with where it names none (Adobe Technical Note 5902).
+std::string InstancePrefix(const NameTable& names) {
+  return LettersAndDigits(FirstOf(names.Text(NameTable::eInstancePrefix),
+                                  names.Text(NameTable::eTypographicFamily),
+                                  names.Text(NameTable::eFamily).c_str()));
+}
+
+// FreeType makes no name, and takes none from the font, where the family holds a blank.
+std::string InstanceName(FT_Face face, const NameTable& names, const FT_Var_Named_Style& instance,
+                         const std::string& prefix, const std::string& style) {
+  if (const char* name = FT_Get_Postscript_Name(face); name != nullptr) return name;
+  const bool isNamed = instance.psid == NameTable::ePostScriptName ||
+                       (instance.psid > kLastReservedName && instance.psid < 0x8000);
+  if (isNamed) {
+    std::string name = AllowedInName(names.Text(static_cast<std::uint16_t>(instance.psid)));
+    if (!name.empty()) return name;
+  }
+  const std::string suffix = LettersAndDigits(style);
+  return prefix.empty() || suffix.empty() ? std::string() : prefix + '-' + suffix;
+}
+
 // Named instances take all but their name and style from the default face.
 void AddInstances(FT_Library library, FT_Face face, const FaceInfo& defaultFace,
                   FontFileInfo& file) {
@@ -123,10 +170,14 @@ void AddInstances(FT_Library library, FT_Face face, const FaceInfo& defaultFace,
   FT_MM_Var* variation = nullptr;
   if (count == 0 || FT_Get_MM_Var(face, &variation) != 0) return;
   const NameTable names = NamesOf(face);
-  for (FT_UInt i = 1; i <= count && i <= kMaxInstances; ++i) {
+  const std::string prefix = InstancePrefix(names);
+  const FT_UInt last = std::min({count, variation->num_namedstyles, kMaxInstances});
+  for (FT_UInt i = 1; i <= last; ++i) {
     if (FT_Set_Named_Instance(face, i) != 0) continue;
-    const char* name = FT_Get_Postscript_Name(face);
-    if (name == nullptr || *name == 0) continue;
+    const FT_Var_Named_Style& instance = variation->namedstyle[i - 1];
+    const std::string style = names.Text(static_cast<std::uint16_t>(instance.strid));
+    const std::string name = InstanceName(face, names, instance, prefix, style);
+    if (name.empty()) continue;
     // The instance that is the default face, or one of the same name, is there already.
     if (std::ranges::any_of(file.faces,
                             [&](const FaceInfo& f) { return f.postScriptName == name; }))
@@ -134,11 +185,7 @@ void AddInstances(FT_Library library, FT_Face face, const FaceInfo& defaultFace,
     FaceInfo info = defaultFace;
     info.postScriptName = name;
     info.faceIndex |= static_cast<std::int32_t>(i << 16);
-    if (i <= variation->num_namedstyles) {
-      const std::string style =
-          names.Text(static_cast<std::uint16_t>(variation->namedstyle[i - 1].strid));
-      if (!style.empty()) info.style = style;
-    }
+    if (!style.empty()) info.style = style;
     file.faces.push_back(std::move(info));
   }
   FT_Done_MM_Var(library, variation);
@@ -149,9 +196,9 @@ std::string AddFace(FT_Library library, FT_Face face, FontFileInfo& file) {
   const char* format = FT_Get_Font_Format(face);
   const bool isType1 = format != nullptr && std::string_view(format) == "Type 1";
   if (!isType1 && !FT_IS_SFNT(face)) return "not a font of a kind that can be used";
-  const char* name = FT_Get_Postscript_Name(face);
   FaceInfo info;
-  if (name != nullptr) info.postScriptName = isType1 ? PlainText(name) : name;
+  info.postScriptName = NameOf(face);
+  if (isType1) info.postScriptName = PlainText(info.postScriptName.c_str());
   if (info.postScriptName.empty()) return "no PostScript name";
   info.faceIndex = static_cast<std::int32_t>(face->face_index & 0xFFFF);
   isType1 ? DescribeType1(face, info) : DescribeSfnt(face, info);

@@ -24,9 +24,10 @@ struct FaceInfo {
 };
 
 struct FontFileInfo {
-  bool isFontFile = false;      // by its first bytes, or by its name
-  std::vector<FaceInfo> faces;  // those with a PostScript name
-  std::string error;            // why there is no face; empty if there is one
+  bool isFontFile = false;  // by its first bytes, or by its name
+  // Those with a PostScript name. Characters that none may hold are left out of it.
+  std::vector<FaceInfo> faces;
+  std::string error;  // why there is no face; empty if there is one
 };
 
 class FontFileReader {

@@ -14,9 +14,11 @@ class NameTable {
     eFamily = 1,
     eStyle = 2,
     eVersion = 5,
+    ePostScriptName = 6,
     eManufacturer = 8,
     eTypographicFamily = 16,
-    eTypographicStyle = 17
+    eTypographicStyle = 17,
+    eInstancePrefix = 25
   };
 
   NameTable() = default;

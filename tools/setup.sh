@@ -1,5 +1,6 @@
 #!/bin/bash
-# Installs the packages that are missing: tools/setup.sh run|test. Says what and why first.
+# Installs the packages that are missing: tools/setup.sh run|test. Says what and why first. For the tests it
+# also brings the fonts that they look names up in; without them that one test is skipped.
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
 for_whom=${1:-test}
@@ -13,7 +14,11 @@ while read -r name who why; do
     reasons+="  $(printf '%-20s' "$name") $why"$'\n'
   fi
 done <"$here/packages.txt"
-[ ${#missing[@]} -eq 0 ] && exit 0
+get_faces() { [ "$for_whom" = run ] || "$here/fonts/get_faces.sh" "$here/../build/faces" || true; }
+if [ ${#missing[@]} -eq 0 ]; then
+  get_faces
+  exit 0
+fi
 
 if ! command -v apt-get >/dev/null; then
   echo "This needs the packages below, and there is no apt-get to install them with:" >&2
@@ -38,3 +43,4 @@ if ! { "${as_root[@]}" apt-get update && "${as_root[@]}" env DEBIAN_FRONTEND=non
   echo "The packages could not be installed; the lines above say why." >&2
   exit 1
 fi
+get_faces

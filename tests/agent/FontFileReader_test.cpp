@@ -42,6 +42,9 @@ TEST(FontFileReader, TellsTheFacesOfEveryFormat) {
        "Ac-Me|Acme Sans|Regular|TrueType|TEST|2.137|0\n"
        "AcmeSans-Light|Acme Sans|Light|TrueType|TEST|2.137|65536\n"
        "AcmeSans-Bold|Acme Sans|Bold|TrueType|TEST|2.137|131072\n"},
+      // What no PostScript name may hold is left out of the font's own.
+      {{"--format", "ttf", "--psname", "Ac Me (1)"},
+       "AcMe1|Acme Sans|Regular|TrueType|TEST|2.137|0\n"},
   };
   FontFileReader reader;
   for (const auto& one : cases) {

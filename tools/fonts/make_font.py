@@ -91,7 +91,6 @@ def variable(options):
     builder = sfnt(options, options.psname, options.style, False)
     instances = options.instances.split(",")
     weights = [200 + 600 * i // max(1, len(instances) - 1) for i in range(len(instances))]
-    builder.font["name"].setName(options.family.replace(" ", ""), 25, 3, 1, 0x409)
     builder.setupFvar(
         [("wght", 200, 400, 800, "Weight")],
         [{"location": {"wght": w}, "stylename": name} for w, name in zip(weights, instances)])
