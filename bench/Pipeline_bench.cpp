@@ -276,6 +276,6 @@ void OneDocument(benchmark::State& state) {
   state.counters["rest_ms"] = best[0] - best[2] - best[3];
   state.counters["ratio"] = best[0] / best[1];
 }
-BENCHMARK(OneDocument)->Iterations(60)->Unit(benchmark::kMillisecond);
+BENCHMARK(OneDocument)->Iterations(100)->Unit(benchmark::kMillisecond);
 
 }  // namespace
