@@ -2,7 +2,8 @@
 // library and with a real agent beside it. The reference is a straight loop in the same run: the
 // very calls that the plug-in made, with the same arguments, and each record's way through its text
 // form and back. "ratio" is ours by its; to reach: 1.5. "facade_ms" and "xml_ms" are the two parts
-// of the reference alone, "rest_ms" is what is ours beyond them, "first_ms" the very first document.
+// of the reference alone, "rest_ms" is what is ours beyond them, "first_ms" the very first
+// document.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -59,8 +60,12 @@ void Note(Tag<&SkerryLoader::pfGetFontsByPostscriptName>, PluginFacadeInstance, 
 void Note(Tag<&SkerryLoader::pfGetFontInfoByID>, PluginFacadeInstance,
           const std::uint32_t* workgroups, std::uint32_t count, PLDictionaryRef font,
           std::uint32_t* id, PLDictionaryRef* record) {
-  sTape.push_back({FacadeCall::kByID, {}, IDs(workgroups, workgroups + count), *id,
-                   PropertyList::FromHandle(font), PropertyList::FromHandle(*record)});
+  sTape.push_back({FacadeCall::kByID,
+                   {},
+                   IDs(workgroups, workgroups + count),
+                   *id,
+                   PropertyList::FromHandle(font),
+                   PropertyList::FromHandle(*record)});
 }
 void Note(Tag<&SkerryLoader::pfGetFontIsActivated>, PluginFacadeInstance, std::uint32_t count,
           const std::uint32_t* ids, std::int32_t*) {
@@ -91,8 +96,8 @@ class Taps {
     sTape.clear();
     sCallCount = 0;
     SkerryLoader* const table = SkerryLoader::GetSharedInstance();
-#define TAP(result, name, arguments)                                  \
-  Tap<&SkerryLoader::pf##name>::sReal = table->pf##name;              \
+#define TAP(result, name, arguments)                      \
+  Tap<& SkerryLoader::pf##name>::sReal = table->pf##name; \
   table->pf##name = Tap<&SkerryLoader::pf##name>::Call;
     PLUGIN_INTERFACE_ENTRY_POINTS(TAP)
 #undef TAP
@@ -175,10 +180,12 @@ Document MakeDocument(BenchLibrary& library) {
   for (std::size_t i = 0; i < kDocumentFonts; ++i) {
     const std::size_t tens = i * 50 * BenchLibrary::kFamiliesPerDoubleOne / 10;
     const bool hasSlug = i % kEveryNthHasSlug == 0;
-    const std::size_t family = tens - tens % BenchLibrary::kFamiliesPerDoubleOne + (hasSlug ? 0 : 3);
+    const std::size_t family =
+        tens - tens % BenchLibrary::kFamiliesPerDoubleOne + (hasSlug ? 0 : 3);
     const std::string name = BenchLibrary::NameOf(family, i % BenchLibrary::kStyleCount);
     const auto faces = library.FacesOf(name);
-    if (faces.size() != (hasSlug ? 2u : 1u)) Give("the library does not have " + name + " as meant");
+    if (faces.size() != (hasSlug ? 2u : 1u))
+      Give("the library does not have " + name + " as meant");
     const Nodrix::FontRow& face = faces[hasSlug ? i / kEveryNthHasSlug % 2 : 0];
     document.expected.push_back(face.id);
     FontRecord font = SlugOf(face);
@@ -226,7 +233,8 @@ class World {
     const int workgroup = FontManagerInterface::GetFontManager()->GetCurrentWorkgroupID();
     const auto start = Clock::now();
     FaceprintSupport::ProcessDocumentFontsForAutoActivation(
-        fonts, matched, problems, true, false, workgroup, KestraneGlobals::GetSharedTarnInterface());
+        fonts, matched, problems, true, false, workgroup,
+        KestraneGlobals::GetSharedTarnInterface());
     const double time = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
     if (problems->Count() != 0 || matched->Count() != kDocumentFonts) Give("fonts were not found");
     for (std::size_t i = 0; i < kDocumentFonts; ++i) {

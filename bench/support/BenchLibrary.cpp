@@ -16,11 +16,11 @@ using Nodrix::FaceInfo;
 using Nodrix::LibraryStore;
 using Nodrix::ScannedFile;
 
-constexpr const char* kFirst[] = {"Al", "Bren", "Cas",  "Dor",  "Els", "Fer", "Gal",
+constexpr const char* kFirst[] = {"Al",  "Bren", "Cas",  "Dor",  "Els", "Fer", "Gal",
                                   "Hel", "Iv",   "Jas",  "Kor",  "Lun", "Mar", "Nor",
                                   "Or",  "Pal",  "Quil", "Rosk", "Sil", "Tam"};
-constexpr const char* kSecond[] = {"ado",  "antis", "area", "barra", "cella", "denza", "eliana",
-                                   "fonte", "grave", "idian", "lara", "mondo", "nova",  "olia",
+constexpr const char* kSecond[] = {"ado",   "antis",  "area",  "barra", "cella", "denza", "eliana",
+                                   "fonte", "grave",  "idian", "lara",  "mondo", "nova",  "olia",
                                    "perla", "quista", "ronda", "stadt", "tora",  "vento"};
 constexpr const char* kSort[] = {"Sans", "Serif", "Slab", "Mono", "Text", "Display"};
 constexpr const char* kMaker[] = {"Pro", "Std", "Next", "LT", "Neue", "Office"};

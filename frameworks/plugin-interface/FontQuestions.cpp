@@ -151,12 +151,12 @@ uint32_t GetFontIsActivated(PluginFacadeInstance instance, uint32_t count, const
 uint32_t GetClientFontActivationStates(uint32_t count, const uint32_t* fontIDs,
                                        int32_t* outStates) {
   return Answer([&] {
-    return AskForEach(
-        &PluginFacade::Instance(), count, fontIDs, outStates,
-        [client = getpid()](LibraryReader& reader, std::uint32_t id) {
-          const std::uint32_t state = reader.RawActivationState(id, client);
-          return state == kRawActivationState_Auto || state == kRawActivationState_AutoOther;
-        });
+    return AskForEach(&PluginFacade::Instance(), count, fontIDs, outStates,
+                      [client = getpid()](LibraryReader& reader, std::uint32_t id) {
+                        const std::uint32_t state = reader.RawActivationState(id, client);
+                        return state == kRawActivationState_Auto ||
+                               state == kRawActivationState_AutoOther;
+                      });
   });
 }
 
