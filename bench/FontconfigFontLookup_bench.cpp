@@ -84,6 +84,7 @@ double NanosecondsOf(const std::vector<std::string>& names, IsVisible isVisible)
 void NothingChanged(benchmark::State& state) {
   const Fonts fonts(state.range(0) == 0);
   std::vector<std::string> names;
+  names.reserve(kFonts);
   for (int i = 0; i < kFonts; ++i) names.push_back(NameOf(i));
   const std::unordered_set<std::string> set(names.begin(), names.end());
   int nothing[2];
