@@ -26,6 +26,35 @@ std::vector<std::uint32_t> FontsOf(Query&& query, std::span<const std::uint32_t>
   return ids;
 }
 
+// The state of a face, from the rows of the activations of its file: one without a mode if there
+// are none.
+class RawState {
+ public:
+  RawState(std::uint32_t workgroup, bool missing, std::int64_t clientPid)
+      : mIsSystem(workgroup == kSystemWorkgroupID), mClientPid(clientPid) {
+    if (mIsSystem && !missing) mState = kSystem;
+  }
+
+  // The columns `column`, the mode, and the next one, the process.
+  void Add(const Query& activation, int column) {
+    if (mIsSystem || mState == kUser || activation.IsNull(column)) return;
+    if (activation.ID(column) == static_cast<std::uint32_t>(ActivationMode::eUser)) {
+      mState = kUser;
+    } else if (activation.Integer(column + 1) == mClientPid) {
+      mState = kAuto;
+    } else if (mState == kInactive) {
+      mState = kAutoOther;
+    }
+  }
+
+  std::uint32_t Get() const { return mState; }
+
+ private:
+  bool mIsSystem;
+  std::int64_t mClientPid;
+  std::uint32_t mState = kInactive;
+};
+
 std::optional<std::uint32_t> Checksum(const Query& query, int column) {
   return query.IsNull(column) ? std::nullopt : std::optional(query.ID(column));
 }
@@ -89,13 +118,15 @@ std::vector<std::uint32_t> LibraryReader::FontsOfFamily(std::uint32_t familyID,
                  workgroups);
 }
 
-std::optional<FontRow> LibraryReader::FontByID(std::uint32_t id) {
+std::optional<FontRow> LibraryReader::FontByID(std::uint32_t id, std::int64_t clientPid) {
+  // One row per activation of the face's file, or one without an activation.
   auto query = mStatements->database->Ask(
       "SELECT postscript_name, families.name, family_id, style, kind, foundry, version, "
-      "checksum11, checksum12, kerning_checksum, path, files.name, size, face_index, "
-      "workgroup_id, workgroups.type, workgroups.name, missing FROM fonts "
+      "checksum11, checksum12, kerning_checksum, files.path, files.name, size, face_index, "
+      "workgroup_id, workgroups.type, workgroups.name, missing, mode, client_pid FROM fonts "
       "JOIN files ON files.id = fonts.file_id JOIN families ON families.id = family_id "
-      "JOIN workgroups ON workgroups.id = workgroup_id WHERE fonts.id = ?",
+      "JOIN workgroups ON workgroups.id = workgroup_id "
+      "LEFT JOIN activations ON activations.file_id = files.id WHERE fonts.id = ?",
       id);
   if (!query.Next()) return std::nullopt;
   FontRow row;
@@ -118,27 +149,25 @@ std::optional<FontRow> LibraryReader::FontByID(std::uint32_t id) {
   row.workgroupType = query.ID(15);
   row.workgroupName = query.Text(16);
   row.missing = query.Integer(17) != 0;
+  RawState state(row.workgroupID, row.missing, clientPid);
+  do {
+    state.Add(query, 18);
+  } while (query.Next());
+  row.rawActivationState = state.Get();
   return row;
 }
 
 std::uint32_t LibraryReader::RawActivationState(std::uint32_t fontID, std::int64_t clientPid) {
-  // One row per activation of the face's file, or one without an activation.
   auto query = mStatements->database->Ask(
       "SELECT workgroup_id, missing, mode, client_pid FROM fonts JOIN files ON files.id = "
       "fonts.file_id LEFT JOIN activations ON activations.file_id = files.id WHERE fonts.id = ?",
       fontID);
-  std::uint32_t state = kInactive;
-  while (query.Next()) {
-    if (query.ID(0) == kSystemWorkgroupID) return query.Integer(1) != 0 ? kInactive : kSystem;
-    if (query.IsNull(2)) continue;
-    if (query.ID(2) == static_cast<std::uint32_t>(ActivationMode::eUser)) return kUser;
-    if (query.Integer(3) == clientPid) {
-      state = kAuto;
-    } else if (state == kInactive) {
-      state = kAutoOther;
-    }
-  }
-  return state;
+  if (!query.Next()) return kInactive;
+  RawState state(query.ID(0), query.Integer(1) != 0, clientPid);
+  do {
+    state.Add(query, 2);
+  } while (query.Next());
+  return state.Get();
 }
 
 std::uint32_t LibraryReader::ConflictingFont(std::uint32_t fontID) {

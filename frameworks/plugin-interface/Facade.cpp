@@ -89,13 +89,13 @@ std::uint32_t PluginFacade::CodeOf(Nodrix::CallResult result) {
   return CoreErrorCodes::kError;
 }
 
-std::uint32_t PluginFacade::RawActivationState(Nodrix::LibraryReader& reader,
-                                               std::uint32_t fontID) const {
-  const std::uint32_t state = reader.RawActivationState(fontID, getpid());
-  if (state == kRawActivationState_Inactive && mLocalFonts.Has(fontID)) {
-    return kRawActivationState_Preview;
+std::optional<Nodrix::FontRow> PluginFacade::Font(Nodrix::LibraryReader& reader,
+                                                  std::uint32_t fontID) const {
+  auto row = reader.FontByID(fontID, getpid());
+  if (row && row->rawActivationState == kRawActivationState_Inactive && mLocalFonts.Has(fontID)) {
+    row->rawActivationState = kRawActivationState_Preview;
   }
-  return state;
+  return row;
 }
 
 void PluginFacade::Reset() {

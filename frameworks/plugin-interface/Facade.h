@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "agent/library/AgentClient.h"
 #include "agent/library/LibraryReader.h"
@@ -39,8 +40,8 @@ struct PluginFacade {
   // The code of a finished command; a connection that went away is dropped.
   std::uint32_t CodeOf(Nodrix::CallResult result);
 
-  // Raw activation state of sdk/PluginInterface.h.
-  std::uint32_t RawActivationState(Nodrix::LibraryReader& reader, std::uint32_t fontID) const;
+  // A face with its raw activation state as this process sees it, previews included.
+  std::optional<Nodrix::FontRow> Font(Nodrix::LibraryReader& reader, std::uint32_t fontID) const;
 
   // The next use opens the database and connects anew. A connection that is still live stays: the
   // agent takes back what a client activated when it leaves.

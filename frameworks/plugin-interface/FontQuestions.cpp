@@ -1,4 +1,6 @@
 // Questions about fonts, answered from the database.
+#include <unistd.h>
+
 #include <algorithm>
 #include <vector>
 
@@ -42,9 +44,9 @@ std::uint32_t FindRecord(PluginFacade& facade, std::span<const std::uint32_t> wo
                          std::uint32_t id, PLDictionaryRef* outRecord) {
   LibraryReader* const reader = facade.Reader();
   if (reader == nullptr) return CoreErrorCodes::kDatabaseError;
-  const auto row = id == 0 ? std::nullopt : reader->FontByID(id);
+  const auto row = id == 0 ? std::nullopt : facade.Font(*reader, id);
   if (!row || !IsWithin(*row, workgroups)) return CoreErrorCodes::kNotFound;
-  *outRecord = RecordOfRow(*row, facade.RawActivationState(*reader, id)).Detach();
+  *outRecord = RecordOfRow(*row).Detach();
   return CoreErrorCodes::kSuccess;
 }
 
@@ -65,8 +67,8 @@ std::uint32_t FindFamily(PluginFacade& facade, PLDictionaryRef font,
   FontRecordArray fonts = MakeFontRecordArray();
   if (family != 0) {
     for (const std::uint32_t id : reader->FontsOfFamily(family, workgroups)) {
-      const auto row = reader->FontByID(id);
-      if (row) fonts->Append(RecordOfRow(*row, facade.RawActivationState(*reader, id)));
+      const auto row = facade.Font(*reader, id);
+      if (row) fonts->Append(RecordOfRow(*row));
     }
   }
   *outFonts = fonts.Detach();
@@ -149,12 +151,12 @@ uint32_t GetFontIsActivated(PluginFacadeInstance instance, uint32_t count, const
 uint32_t GetClientFontActivationStates(uint32_t count, const uint32_t* fontIDs,
                                        int32_t* outStates) {
   return Answer([&] {
-    PluginFacade& facade = PluginFacade::Instance();
-    return AskForEach(
-        &facade, count, fontIDs, outStates, [&](LibraryReader& reader, std::uint32_t id) {
-          const std::uint32_t state = facade.RawActivationState(reader, id);
-          return state == kRawActivationState_Auto || state == kRawActivationState_AutoOther;
-        });
+    return AskForEach(&PluginFacade::Instance(), count, fontIDs, outStates,
+                      [client = getpid()](LibraryReader& reader, std::uint32_t id) {
+                        const std::uint32_t state = reader.RawActivationState(id, client);
+                        return state == kRawActivationState_Auto ||
+                               state == kRawActivationState_AutoOther;
+                      });
   });
 }
 

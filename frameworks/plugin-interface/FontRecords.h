@@ -2,9 +2,7 @@
 // absent.
 #pragma once
 
-#include <cstdint>
-
 #include "agent/library/LibraryReader.h"
 #include "propertylist/FontRecord.h"
 
-FontRecord RecordOfRow(const Nodrix::FontRow& row, std::uint32_t rawActivationState);
+FontRecord RecordOfRow(const Nodrix::FontRow& row);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -17,6 +18,17 @@ namespace PropertyList {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
+
+// A search that asks about each character: the library's own, for any of a set, makes a call for
+// each.
+template <typename IsWanted>
+std::size_t FindIf(std::string_view text, IsWanted isWanted) {
+  return static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isWanted) - text.begin());
+}
+
+constexpr bool IsBlank(char character) {
+  return character == ' ' || character == '\t' || character == '\r' || character == '\n';
+}
 
 std::string_view StripBlanks(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -57,7 +69,7 @@ bool IsBase64(std::string_view text) {
   std::size_t count = 0;
   std::size_t padding = 0;
   for (const char character : text) {
-    if (kBlanks.find(character) != std::string_view::npos) continue;
+    if (IsBlank(character)) continue;
     const bool isDigit =
         (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
         (character >= '0' && character <= '9') || character == '+' || character == '/';
@@ -115,8 +127,8 @@ class Checker {
   // Up to the first ">": no "<" before it, and no quotation mark open at it, so that every reader
   // sees the same end.
   std::optional<std::string_view> TakeMarkup() {
-    const std::size_t end = mRest.find_first_of("<>");
-    if (end == std::string_view::npos || mRest[end] == '<') return std::nullopt;
+    const std::size_t end = FindIf(mRest, [](char c) { return c == '<' || c == '>'; });
+    if (end == mRest.size() || mRest[end] == '<') return std::nullopt;
     const std::string_view markup = mRest.substr(0, end);
     if (std::count(markup.begin(), markup.end(), '"') % 2 != 0) return std::nullopt;
     mRest.remove_prefix(end + 1);
@@ -126,7 +138,7 @@ class Checker {
   // Blanks, comments, processing instructions and the DOCTYPE. False if one of these has no end.
   bool SkipBetweenElements() {
     for (;;) {
-      mRest.remove_prefix(std::min(mRest.find_first_not_of(kBlanks), mRest.size()));
+      mRest.remove_prefix(FindIf(mRest, std::not_fn(IsBlank)));
       if (mRest.starts_with("<!--")) {
         mRest.remove_prefix(4);
         if (!SkipThrough("-->")) return false;
@@ -155,7 +167,7 @@ class Checker {
     tag.isEmpty = markup->ends_with('/');
     if (tag.isEmpty) markup->remove_suffix(1);
     if (tag.isClosing && tag.isEmpty) return std::nullopt;
-    tag.name = markup->substr(0, markup->find_first_of(kBlanks));
+    tag.name = markup->substr(0, FindIf(*markup, IsBlank));
     return tag;
   }
 

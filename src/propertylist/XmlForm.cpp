@@ -31,16 +31,18 @@ using Text = std::unique_ptr<char, FreeMemory>;
 // The library reads and writes reals by the locale of the thread.
 class NumbersOfC {
  public:
-  NumbersOfC() : mNumbers(newlocale(LC_NUMERIC_MASK, "C", nullptr)), mBefore(uselocale(mNumbers)) {}
-  ~NumbersOfC() {
-    uselocale(mBefore);
-    if (mNumbers != nullptr) freelocale(mNumbers);
-  }
+  NumbersOfC() : mBefore(uselocale(Numbers())) {}
+  ~NumbersOfC() { uselocale(mBefore); }
   NumbersOfC(const NumbersOfC&) = delete;
   NumbersOfC& operator=(const NumbersOfC&) = delete;
 
  private:
-  locale_t mNumbers;
+  // Kept for the process's life.
+  static locale_t Numbers() {
+    static const locale_t sNumbers = newlocale(LC_NUMERIC_MASK, "C", nullptr);
+    return sNumbers;
+  }
+
   locale_t mBefore;
 };
 
@@ -130,6 +132,7 @@ std::optional<Value> ArrayOfNode(plist_t node) {
 
 std::optional<Value> DictionaryOfNode(plist_t node) {
   std::vector<Dictionary::Entry> entries;
+  entries.reserve(plist_dict_get_size(node));
   plist_dict_iter created = nullptr;
   plist_dict_new_iter(node, &created);
   const std::unique_ptr<void, FreeMemory> iterator(created);

@@ -125,13 +125,20 @@ TEST_F(Library, TellsWhoTurnedAFontOn) {
                     "WHERE id = ?",
                     mode, pid, id));
   };
+  // Asked alone, and with the whole row.
+  const auto state = [&](int pid) {
+    const std::uint32_t alone = mReader->RawActivationState(id, pid);
+    EXPECT_EQ(mReader->FontByID(id, pid)->rawActivationState, alone);
+    return alone;
+  };
+  EXPECT_EQ(state(100), 0u);
   add(1, 100);
-  EXPECT_EQ(mReader->RawActivationState(id, 100), 1u);
-  EXPECT_EQ(mReader->RawActivationState(id, 200), 2u);
+  EXPECT_EQ(state(100), 1u);
+  EXPECT_EQ(state(200), 2u);
   add(1, 50);
-  EXPECT_EQ(mReader->RawActivationState(id, 100), 1u);
+  EXPECT_EQ(state(100), 1u);
   add(4, 0);
-  EXPECT_EQ(mReader->RawActivationState(id, 100), 4u);
+  EXPECT_EQ(state(100), 4u);
 }
 
 TEST_F(Library, RescanFollowsTheDisk) {

@@ -7,6 +7,7 @@
 
 #include "platform/linux/FontconfigFontLookup.h"
 #include "platform/linux/StderrMessageBox.h"
+#include "support/RunProgram.h"
 #include "support/ScratchHome.h"
 #include "support/TestFonts.h"
 
@@ -40,12 +41,13 @@ TEST(FontLookup, TheNextQuestionSeesEveryChange) {
   // Long after the last change the times alone must tell.
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   EXPECT_FALSE(lookup.IsVisible("LookupTest-Two"));
-  fs::rename(second, shard + "/two.ttf");
+  // Another program does it.
+  RunProgram({"mv", second, shard + "/two.ttf"});
   EXPECT_TRUE(lookup.IsVisible("LookupTest-Two"));
   fs::rename(third, home.MakeFolder(".local/share/fonts/vendrel/cd") + "/three.ttf");
   EXPECT_TRUE(lookup.IsVisible("LookupTest-Three"));
 
-  fs::remove(shard + "/one.ttf");
+  RunProgram({"rm", shard + "/one.ttf"});
   EXPECT_FALSE(lookup.IsVisible("LookupTest-One"));
   EXPECT_TRUE(lookup.IsVisible("LookupTest-Two"));
 }
