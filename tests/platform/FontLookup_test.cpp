@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "platform/linux/FontconfigFontLookup.h"
@@ -50,6 +51,22 @@ TEST(FontLookup, TheNextQuestionSeesEveryChange) {
   RunProgram({"rm", shard + "/one.ttf"});
   EXPECT_FALSE(lookup.IsVisible("LookupTest-One"));
   EXPECT_TRUE(lookup.IsVisible("LookupTest-Two"));
+}
+
+// A copy takes its time, and fontconfig remembers what it saw in the middle of it.
+TEST(FontLookup, SeesAFontWhoseCopyWasAskedAboutInTheMiddle) {
+  ScratchHome home;
+  const std::string bytes = ReadWholeFile(BuildUnseenFont(home, "LookupTest-Slow"));
+  const std::string folder = home.MakeFolder(".local/share/fonts");
+  FontconfigFontLookup lookup;
+  EXPECT_FALSE(lookup.IsVisible("LookupTest-Slow"));
+  {
+    std::ofstream copy(folder + "/slow.ttf", std::ios::binary);
+    copy << bytes.substr(0, bytes.size() / 2) << std::flush;
+    EXPECT_FALSE(lookup.IsVisible("LookupTest-Slow"));
+    copy << bytes.substr(bytes.size() / 2);
+  }
+  EXPECT_TRUE(lookup.IsVisible("LookupTest-Slow"));
 }
 
 TEST(StderrMessageBox, WritesOneLineAndSurvivesAClosedPipe) {

@@ -32,6 +32,10 @@ void ForEachPath(FcStrList* list, Add add) {
   FcStrListDone(list);
 }
 
+const FcChar8* BytesOf(const std::string& path) {
+  return reinterpret_cast<const FcChar8*>(path.c_str());
+}
+
 // Font folders with all folders below them, and what the configuration is made of, with the folders
 // where a further file of it could appear.
 std::set<std::string> CollectPaths(FcConfig* config) {
@@ -52,10 +56,19 @@ bool FontconfigFontLookup::IsVisible(const std::string& postScriptName) {
   return mNames.contains(postScriptName);
 }
 
+// A font that was half written when a folder was read left its absence in fontconfig's cache of
+// that folder, and the folder's time does not change when it is complete: such folders are read
+// anew.
 void FontconfigFontLookup::Rebuild() {
   const timespec started = PathWatch::Now();
-  const ConfigOwner config(FcInitLoadConfigAndFonts());
+  const std::set<std::string> written = mWatch.TakeWrittenFolders();
+  const ConfigOwner config(FcInitLoadConfig());
   if (!config) return;
+  for (const std::string& folder : written) {
+    FcCache* const cache = FcDirCacheRead(BytesOf(folder), FcTrue, config.get());
+    if (cache != nullptr) FcDirCacheUnload(cache);
+  }
+  if (!FcConfigBuildFonts(config.get())) return;
   mNames.clear();
   CollectNames(config.get(), mNames);
   mWatch.Start(CollectPaths(config.get()), started);

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
+#include <utility>
 
 namespace {
 
@@ -70,7 +72,7 @@ void PathWatch::Start(const std::set<std::string>& paths, const timespec& readin
 bool PathWatch::HasChanged() {
   if (mChanged) return true;
   if (mNotifications >= 0) {
-    mChanged = HasNotification() || !IsUnchanged(mMissing);
+    mChanged = ReadNotifications() || !IsUnchanged(mMissing);
     if (mChanged || MonotonicNow() - mLastFullLook < kSecond) return mChanged;
   }
   mChanged = !IsUnchanged(mMissing) || !IsUnchanged(mExisting);
@@ -84,20 +86,40 @@ void PathWatch::AddNotifications() {
   mNotifications = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
   if (mNotifications < 0) return;
   for (const Path& path : mExisting) {
-    if (inotify_add_watch(mNotifications, path.name.c_str(), kChanges) >= 0) continue;
-    CloseNotifications();
-    return;
+    const int watch = inotify_add_watch(mNotifications, path.name.c_str(), kChanges);
+    if (watch < 0) return CloseNotifications();
+    mNameByWatch[watch] = path.name;
   }
 }
 
 void PathWatch::CloseNotifications() {
   if (mNotifications >= 0) close(mNotifications);
   mNotifications = -1;
+  mNameByWatch.clear();
 }
 
-bool PathWatch::HasNotification() const {
+// All that came; true if anything did.
+bool PathWatch::ReadNotifications() {
   alignas(inotify_event) std::array<char, 4096> buffer;
-  return read(mNotifications, buffer.data(), buffer.size()) > 0;
+  bool any = false;
+  for (;;) {
+    const ssize_t length = read(mNotifications, buffer.data(), buffer.size());
+    if (length <= 0) return any;
+    any = true;
+    for (std::size_t at = 0; at + sizeof(inotify_event) <= static_cast<std::size_t>(length);) {
+      inotify_event event;
+      std::memcpy(&event, buffer.data() + at, sizeof event);
+      at += sizeof event + event.len;
+      const auto name = mNameByWatch.find(event.wd);
+      const bool isWritten = (event.mask & IN_CLOSE_WRITE) != 0;
+      if (isWritten && name != mNameByWatch.end()) mWritten.insert(name->second);
+    }
+  }
+}
+
+std::set<std::string> PathWatch::TakeWrittenFolders() {
+  if (mNotifications >= 0 && ReadNotifications()) mChanged = true;
+  return std::exchange(mWritten, {});
 }
 
 bool PathWatch::IsUnchanged(const std::vector<Path>& paths) {

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -26,6 +27,9 @@ class PathWatch {
   void Start(const std::set<std::string>& paths, const timespec& readingStarted);
   // Stays true until the next Start.
   bool HasChanged();
+  // The watched folders in which a file was written to its end since the last call: a folder's own
+  // time does not tell of it. Empty where notifications can't be had.
+  std::set<std::string> TakeWrittenFolders();
 
  private:
   struct Path {
@@ -35,12 +39,14 @@ class PathWatch {
 
   void AddNotifications();
   void CloseNotifications();
-  bool HasNotification() const;
+  bool ReadNotifications();
   static bool IsUnchanged(const std::vector<Path>& paths);
 
   std::vector<Path> mExisting;
   std::vector<Path> mMissing;
   int mNotifications = -1;  // the kernel's descriptor; -1 where there is none
+  std::map<int, std::string> mNameByWatch;
+  std::set<std::string> mWritten;
   std::int64_t mLastFullLook = 0;
   bool mChanged = true;
 };
