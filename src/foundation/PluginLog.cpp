@@ -40,15 +40,31 @@ std::shared_ptr<const Sinks> CurrentSinks() {
   return SharedSinks();
 }
 
-void FormatAndOutput(const char* format, std::va_list arguments) {
-  const auto buffer = std::make_unique_for_overwrite<char[]>(kFormatBufferSize);
-  if (std::vsnprintf(buffer.get(), kFormatBufferSize, format, arguments) < 0) buffer[0] = '\0';
-  const std::size_t length = std::strlen(buffer.get());
+// `buffer` has room for a line feed behind a text that is not of full length.
+void EndLineAndOutput(char* buffer, std::size_t length) {
   if (length < kFirstFullLength && (length == 0 || buffer[length - 1] != '\n')) {
     buffer[length] = '\n';
     buffer[length + 1] = '\0';
   }
-  OutputSimpleDebugString(buffer.get());
+  OutputSimpleDebugString(buffer);
+}
+
+void FormatAndOutput(const char* format, std::va_list arguments) {
+  // Nearly every line is short, and a large block costs the allocator more than the text does.
+  char line[1024] = "";
+  std::va_list again;
+  va_copy(again, arguments);
+  const int needed = std::vsnprintf(line, sizeof line, format, arguments);
+  if (needed < 0) {
+    EndLineAndOutput(line, 0);
+  } else if (static_cast<std::size_t>(needed) + 2 <= sizeof line) {
+    EndLineAndOutput(line, std::strlen(line));
+  } else {
+    const auto buffer = std::make_unique_for_overwrite<char[]>(kFormatBufferSize);
+    if (std::vsnprintf(buffer.get(), kFormatBufferSize, format, again) < 0) buffer[0] = '\0';
+    EndLineAndOutput(buffer.get(), std::strlen(buffer.get()));
+  }
+  va_end(again);
 }
 
 }  // namespace
