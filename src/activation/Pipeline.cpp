@@ -23,13 +23,15 @@ void Match(const FontRecord& font, const FontRecord& candidate, const Sorting& s
   sorting.matchedFonts->Append(font);
 }
 
-// Candidates are sorted best first, so the first perfect one is the best of them.
+// Candidates are sorted best first, so the first perfect one is the best of them. All are tested:
+// the log tells of each why it is another font.
 FontRecord FirstPerfectMatch(const FontRecord& font, const FontRecordArray& candidates) {
+  FontRecord first;
   for (std::size_t i = 0; i < candidates->Count(); ++i) {
     FontRecord candidate = candidates->DictionaryAt(i);
-    if (IsPerfectMatch(font, candidate)) return candidate;
+    if (IsPerfectMatch(font, candidate) && !first) first = std::move(candidate);
   }
-  return nullptr;
+  return first;
 }
 
 FontRecord FirstActive(const FontRecordArray& candidates) {

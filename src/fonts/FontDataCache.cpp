@@ -1,6 +1,8 @@
 #include "fonts/FontDataCache.h"
 
 #include <map>
+#include <set>
+#include <unordered_map>
 
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"
@@ -10,10 +12,22 @@ namespace {
 
 using InfoRec = FontManagerInterface::FontOrSetInfoRec;
 
-// Ascending IDs: their order decides ties. Kept to the end of the process.
-std::map<std::uint32_t, InfoRec>& idToInfoRec() {
-  static auto& records = *new std::map<std::uint32_t, InfoRec>;
-  return records;
+struct Cache {
+  std::map<std::uint32_t, InfoRec> idToInfoRec;
+  // Versions of each name. Their ascending order decides ties.
+  std::unordered_map<std::string, std::set<std::uint32_t>> idsByName;
+
+  const std::set<std::uint32_t>& VersionsOf(const std::string& name) const {
+    static const auto& none = *new std::set<std::uint32_t>;
+    const auto found = idsByName.find(name);
+    return found == idsByName.end() ? none : found->second;
+  }
+};
+
+// Kept to the end of the process.
+Cache& TheCache() {
+  static auto& cache = *new Cache;
+  return cache;
 }
 
 bool IsActiveState(std::int64_t state) {
@@ -32,10 +46,9 @@ void MarkActive(std::uint32_t databaseID, InfoRec& rec) {
   rec.activationState = kActivationStateTemporary;
   if (!RecordHas(rec.info, kFP_PostScriptNameKey)) return;
   // Only one version of a name is active at a time.
-  for (auto& [otherID, other] : idToInfoRec()) {
-    if (otherID != databaseID && RecordHas(other.info, kFP_PostScriptNameKey) &&
-        RecordString(other.info, kFP_PostScriptNameKey) == name) {
-      other.activationState = kActivationStateInactive;
+  for (const std::uint32_t otherID : TheCache().VersionsOf(name)) {
+    if (otherID != databaseID) {
+      TheCache().idToInfoRec[otherID].activationState = kActivationStateInactive;
     }
   }
 }
@@ -44,12 +57,16 @@ void MarkActive(std::uint32_t databaseID, InfoRec& rec) {
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): it is moved from, where the ID is new
 void Add(std::uint32_t databaseID, InfoRec rec) {
-  idToInfoRec().try_emplace(databaseID, std::move(rec));
+  const auto [entry, isNew] = TheCache().idToInfoRec.try_emplace(databaseID, std::move(rec));
+  const FontRecord& info = entry->second.info;
+  if (isNew && RecordHas(info, kFP_PostScriptNameKey)) {
+    TheCache().idsByName[RecordString(info, kFP_PostScriptNameKey)].insert(databaseID);
+  }
 }
 
 void SetFontActivationState(std::uint32_t databaseID, bool isActive) {
-  const auto found = idToInfoRec().find(databaseID);
-  if (found == idToInfoRec().end()) {
+  const auto found = TheCache().idToInfoRec.find(databaseID);
+  if (found == TheCache().idToInfoRec.end()) {
     OutputFormattedDebugString(
         "%s() failing to record transition to activation state %d because font with databaseID %d "
         "not in FontDataPreviouslyGottenFromDatabase.",
@@ -68,10 +85,9 @@ void SetFontActivationState(std::uint32_t databaseID, bool isActive) {
 // Both views have to agree: the state at delivery and the live one.
 bool CreateCopyOfFaceprintDataForActiveFont(const std::string& postScriptName,
                                             FontRecord& outRecord, std::uint32_t& outID) {
-  for (const auto& [databaseID, rec] : idToInfoRec()) {
-    if (rec.activationState == kActivationStateInactive) continue;
-    if (!RecordHas(rec.info, kFP_PostScriptNameKey) ||
-        RecordString(rec.info, kFP_PostScriptNameKey) != postScriptName ||
+  for (const std::uint32_t databaseID : TheCache().VersionsOf(postScriptName)) {
+    const InfoRec& rec = TheCache().idToInfoRec[databaseID];
+    if (rec.activationState == kActivationStateInactive ||
         !IsActiveState(RecordInteger(rec.info, kFP_ActivationStateKey))) {
       continue;
     }
@@ -89,12 +105,12 @@ bool CreateCopyOfFaceprintDataForActiveFont(const std::string& postScriptName,
 }
 
 int DeleteAll() {
-  for (const auto& [databaseID, rec] : idToInfoRec()) {
+  for (const auto& [databaseID, rec] : TheCache().idToInfoRec) {
     OutputFormattedDebugString(
         "FontDataPreviouslyGottenFromDatabase::%s() removing %d ('%s') from cache.", __func__,
         static_cast<int>(databaseID), RecordString(rec.info, kFP_PostScriptNameKey).c_str());
   }
-  idToInfoRec().clear();
+  TheCache() = Cache();
   return 0;
 }
 

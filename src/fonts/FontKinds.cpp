@@ -34,24 +34,9 @@ template <std::size_t Size>
 std::string MapKind(const KindRow (&table)[Size], const std::string& kind, int extent) {
   for (const KindRow& row : table) {
     if (extent > kMapAllNames && !row.atEveryExtent) continue;
-    if (GStringUtils::AsciiEqualsNoCase(kind, row.from)) return row.to;
+    if (SameIgnoringCase(kind, row.from)) return row.to;
   }
   return kind;
-}
-
-bool IsAsciiLower(char c) { return c >= 'a' && c <= 'z'; }
-
-// `text` is in lower case already. A letter begins a word unless a letter stands before it, an
-// apostrophe between them or not ("o'brien's type" is "O'brien's Type"). Bytes outside ASCII are
-// letters that stay as they are.
-std::string CapitaliseWords(std::string text) {
-  bool inWord = false;
-  for (char& c : text) {
-    const bool isLetter = IsAsciiLower(c) || static_cast<unsigned char>(c) >= 0x80;
-    if (IsAsciiLower(c) && !inWord) c = static_cast<char>(c - 'a' + 'A');
-    if (c != '\'') inWord = isLetter;
-  }
-  return text;
 }
 
 }  // namespace
@@ -84,10 +69,9 @@ bool MapSorrellineFontTypeToKestraneFontType(const FontRecord& record, int exten
 }
 
 std::string CreateSorrellineFoundryNameFromKestraneFoundryName(const std::string& name) {
-  std::string lowered = GStringUtils::AsciiToLowerCase(name);
+  const std::string lowered = GStringUtils::OSToLowerCase(name);
   if (lowered == "unknown") return "--";
-  if (lowered == name) return CapitaliseWords(std::move(lowered));
-  return name;
+  return lowered == name ? GStringUtils::OSToTitleCase(name) : name;
 }
 
 // Runs the mapping of the other direction: "Unknown" becomes "--" in every slug that is read.

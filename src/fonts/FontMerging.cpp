@@ -4,7 +4,6 @@
 #include "fonts/FontNameIndex.h"
 #include "fonts/FontNames.h"
 #include "fonts/RecordAccess.h"
-#include "foundation/GStringUtils.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"
 
@@ -20,7 +19,7 @@ bool SameValue(const PropertyList::Value& a, const PropertyList::Value& b) {
   const std::string* first = a.AsString();
   const std::string* second = b.AsString();
   if (first == nullptr || second == nullptr) return a.Equals(b);
-  return GStringUtils::AsciiEqualsNoCase(*first, *second);
+  return SameIgnoringCase(*first, *second);
 }
 
 KeyComparison CompareKeys(const FontRecord& source, const FontRecord& destination) {

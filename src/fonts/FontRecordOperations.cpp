@@ -175,8 +175,7 @@ bool FixFaceprintChecksumsIfNeeded(const FontRecord& record) {
     changed = true;
   }
   if (record->Has(kFP_KerningChecksumKey) &&
-      static_cast<std::uint32_t>(RecordInteger(record, kFP_KerningChecksumKey)) >=
-          kFirstUnusableKerningChecksum) {
+      ChecksumBits(record, kFP_KerningChecksumKey) >= kFirstUnusableKerningChecksum) {
     record->Set(kFP_KerningChecksumKey, "0");
     changed = true;
   }

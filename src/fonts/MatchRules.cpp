@@ -10,7 +10,6 @@
 namespace FaceprintSupport {
 namespace {
 
-using GStringUtils::AsciiEqualsNoCase;
 using GStringUtils::AsciiToLowerCase;
 
 // The keys of a perfect match, in the order in which they are compared.
@@ -61,8 +60,8 @@ bool CanBeCompared(const FontRecord& source, const FontRecord& candidate) {
 
 // Checksums are 32-bit numbers, whatever the text holds; a zero one is not known and fits any.
 bool ChecksumsMatch(const FontRecord& source, const FontRecord& candidate, const char* key) {
-  const auto a = static_cast<std::uint32_t>(RecordInteger(source, key));
-  const auto b = static_cast<std::uint32_t>(RecordInteger(candidate, key));
+  const std::uint32_t a = ChecksumBits(source, key);
+  const std::uint32_t b = ChecksumBits(candidate, key);
   if (a == 0 || b == 0 || a == b) return true;
   OutputFormattedDebugString("0x%08x != 0x%08x", a, b);
   return false;
@@ -80,7 +79,7 @@ KeyResult CompareKey(const FontRecord& source, const FontRecord& candidate, cons
   if (IsFaceprintChecksum(key) || key == std::string_view(kFP_KerningChecksumKey)) {
     return ChecksumsMatch(source, candidate, key) ? KeyResult::kMatch : KeyResult::kMismatch;
   }
-  if (AsciiEqualsNoCase(a, b)) return KeyResult::kMatch;
+  if (SameIgnoringCase(a, b)) return KeyResult::kMatch;
   OutputFormattedDebugString("KeysHaveSameValueIfDefined found mismatch between '%s' and '%s'",
                              a.c_str(), b.c_str());
   return KeyResult::kMismatch;
@@ -157,7 +156,7 @@ bool IsXMPMatch(const FontRecord& source, const FontRecord& candidate) {
 
 bool KeyValueIs(const FontRecord& record, std::string_view key, std::string_view value) {
   const std::string* text = FindString(record, key);
-  return text != nullptr && AsciiEqualsNoCase(*text, value);
+  return text != nullptr && SameIgnoringCase(*text, value);
 }
 
 int KeyValueStringMatch(const FontRecord& source, const FontRecord& first, const FontRecord& second,
@@ -172,8 +171,7 @@ int KeyValueStringMatch(const FontRecord& source, const FontRecord& first, const
 
 bool KeyValueContains(const FontRecord& record, std::string_view key, std::string_view value) {
   const std::string* text = FindString(record, key);
-  return text != nullptr &&
-         AsciiToLowerCase(*text).find(AsciiToLowerCase(value)) != std::string::npos;
+  return text != nullptr && GStringUtils::StringFindNoCase(*text, value) != GStringUtils::npos;
 }
 
 bool KeyHasNonZeroValue(const FontRecord& record, std::string_view key) {
@@ -181,7 +179,7 @@ bool KeyHasNonZeroValue(const FontRecord& record, std::string_view key) {
 }
 
 bool DoValuesExistAndMatch(const std::string* a, const std::string* b) {
-  return a != nullptr && b != nullptr && AsciiEqualsNoCase(*a, *b);
+  return a != nullptr && b != nullptr && GStringUtils::AsciiEqualsNoCase(*a, *b);
 }
 
 bool IsPostScriptNameOnly(const FontRecord& record) {

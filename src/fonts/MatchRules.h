@@ -17,11 +17,13 @@ int PickBestMatchCallBack(const FontRecord& first, const FontRecord& second,
 // Sorts best first, keeps ties in order; stays in bounds and ends whatever the comparator answers.
 void SortByBestMatch(const FontRecordArray& fonts, const FontRecord& source);
 
+// Equal ignoring case, as SameIgnoringCase tells.
 bool KeyValueIs(const FontRecord& record, std::string_view key, std::string_view value);
 int KeyValueStringMatch(const FontRecord& source, const FontRecord& first, const FontRecord& second,
                         std::string_view key);
 bool KeyValueContains(const FontRecord& record, std::string_view key, std::string_view value);
 bool KeyHasNonZeroValue(const FontRecord& record, std::string_view key);
+// Equal but for the case of ASCII letters.
 bool DoValuesExistAndMatch(const std::string* a, const std::string* b);
 bool IsPostScriptNameOnly(const FontRecord& record);
 

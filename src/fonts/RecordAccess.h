@@ -1,6 +1,8 @@
-// Borrowed text of a record, where absent and empty are not the same.
+// Borrowed text of a record, where absent and empty are not the same, and how texts of records are
+// compared.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -12,5 +14,11 @@ namespace FaceprintSupport {
 inline const std::string* FindString(const FontRecord& record, std::string_view key) {
   return record ? record->GetString(key) : nullptr;
 }
+
+// As many characters and equal by case folding: "Café" is "CAFÉ", but "straße" is not "STRASSE".
+bool SameIgnoringCase(std::string_view a, std::string_view b);
+// The number in a checksum's text, cut to 32 bits. One beyond 64 bits, of either sign, is all ones:
+// it is unusable, and must not look like 0, which stands for an unknown checksum.
+std::uint32_t ChecksumBits(const FontRecord& record, std::string_view key);
 
 }  // namespace FaceprintSupport

@@ -37,6 +37,9 @@ bool IsRegExMatch(const std::string& text, const std::string& pattern);
 // By full case mapping without a language: "ß" has two upper-case letters, "I" becomes "i".
 std::string OSToLowerCase(std::string_view text);
 std::string OSToUpperCase(std::string_view text);
+// The first letter of each word in title case, all others in lower case, words by Unicode's text
+// segmentation: "o'hara type-works" becomes "O'hara Type-Works". A text that is no UTF-8 stays.
+std::string OSToTitleCase(std::string_view text);
 // ASCII letters only; for keys and extensions.
 std::string AsciiToLowerCase(std::string_view text);
 bool AsciiEqualsNoCase(std::string_view a, std::string_view b);

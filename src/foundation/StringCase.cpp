@@ -164,6 +164,11 @@ std::string OSToUpperCase(std::string_view text) {
   return MapText(text, &u8_toupper, AsciiToUpper);
 }
 
+std::string OSToTitleCase(std::string_view text) {
+  if (text.empty() || !GString::IsValidUtf8(text)) return std::string(text);
+  return MapCharacters(text, &u8_totitle);
+}
+
 std::string AsciiToLowerCase(std::string_view text) {
   std::string lower(text);
   std::transform(lower.begin(), lower.end(), lower.begin(), AsciiToLower);

@@ -49,7 +49,7 @@ TEST(FontKinds, FoundryNames) {
       {"the 3d o'hara type-works", "The 3D O'hara Type-Works"},
       {"--", "--"},
       {"", ""},
-      {"\xC3\xA9mile", "\xC3\xA9mile"}};
+      {"\xC3\xA9mile", "\xC3\x89mile"}};
   for (const auto& [name, mapped] : rows) {
     EXPECT_EQ(CreateSorrellineFoundryNameFromKestraneFoundryName(name), mapped) << name;
   }

@@ -76,6 +76,9 @@ TEST(StringCase, MapsByCharactersWithoutALanguage) {
     EXPECT_EQ(OSToLowerCase(text), lower);
     EXPECT_EQ(OSToUpperCase(text), upper);
   }
+  EXPECT_EQ(OSToTitleCase("the 3d o'hara type-WORKS"), "The 3D O'hara Type-Works");
+  EXPECT_EQ(OSToTitleCase("émile ǆ"), "Émile ǅ");
+  EXPECT_EQ(OSToTitleCase("a\xFF"), "a\xFF");
   EXPECT_EQ(AsciiToLowerCase("AZ[@É"), "az[@É");
   EXPECT_TRUE(AsciiEqualsNoCase("aZ", "Az"));
   EXPECT_FALSE(AsciiEqualsNoCase("a", "ab"));
