@@ -1,0 +1,296 @@
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <random>
+
+#include "facade/SkerryLoader.h"
+#include "fonts/MatchRules.h"
+#include "support/FontRecords.h"
+#include "support/IdentifiedPlugin.h"
+#include "support/LogCapture.h"
+
+using namespace FaceprintSupport;
+
+namespace {
+
+PluginFacadeInstance NoInstance() { return nullptr; }
+
+int liveQuestions = 0;
+
+// Fonts of even IDs are active; of a font with ID 9 nothing can be said.
+uint32_t EvenOnesAreActive(PluginFacadeInstance, uint32_t count, const uint32_t* ids,
+                           int32_t* states) {
+  ++liveQuestions;
+  uint32_t code = 0;
+  for (uint32_t i = 0; i < count; ++i) {
+    states[i] = ids[i] % 2 == 0 ? 1 : 0;
+    if (ids[i] == 9) code = 1;
+  }
+  return code;
+}
+
+class BestMatch : public testing::Test {
+ protected:
+  BestMatch() { Bind(&EvenOnesAreActive); }
+  ~BestMatch() override { Bind(nullptr); }
+
+  static void Bind(decltype(SkerryLoader::pfGetFontIsActivated) function) {
+    SkerryLoader::GetSharedInstance()->pfGetFontIsActivated = function;
+    SkerryLoader::GetSharedInstance()->pfGetPluginFacadeInstance = &NoInstance;
+  }
+
+  IdentifiedPlugin mPlugin;
+};
+
+// The text as it is when the two records change places.
+std::string Exchanged(std::string text) {
+  for (char& c : text) {
+    if (c == '1' || c == '2') c = c == '1' ? '2' : '1';
+  }
+  return text;
+}
+
+// The last line is the reason; "" for none.
+void ExpectChoice(const FontRecord& first, const FontRecord& second, const FontRecord& source,
+                  int result, const std::string& reason) {
+  LogCapture log;
+  EXPECT_EQ(PickBestMatchCallBack(first, second, source), result);
+  if (!reason.empty()) {
+    EXPECT_EQ(log.lines.empty() ? "" : log.lines.back(), reason + "\n");
+  }
+  for (const std::string& line : log.lines) {
+    EXPECT_TRUE(!reason.empty() || line.find("Cho") == std::string::npos) << line;
+  }
+}
+
+void ExpectFirst(const std::string& first, const std::string& second, const char* source,
+                 const std::string& reason) {
+  SCOPED_TRACE(first + " against " + second + " for " + source);
+  const FontRecord a = ReadRecord(first);
+  const FontRecord b = ReadRecord(second);
+  ExpectChoice(a, b, ReadRecord(source), -1, reason);
+  ExpectChoice(b, a, ReadRecord(source), 1, Exchanged(reason));
+}
+
+constexpr const char* kActive = "...Choosing fontRef1 because it's active and fontRef2 isn't.";
+constexpr const char* kOverridden1 =
+    "...Choosing non-system fontRef1 since user has explicitly overridden system version.";
+constexpr const char* kKind = "Choice based on kFP_KindKey.";
+constexpr const char* kFoundry = "Choice based on kFP_FoundryKey.";
+constexpr const char* kVersion = "Choice based on kFP_VersionKey.";
+
+// What step decides when the two are otherwise `kWorse` and `kBetter` at every later step.
+struct Step {
+  const char* source;
+  const char* winner;
+  const char* loser;
+  const char* reason;
+};
+
+constexpr const char* kWorse =
+    "DatabaseID=3|FontKind=TrueType|Foundry=Small|Version=1|IsTemp=0|IsVault=0|";
+constexpr const char* kBetter =
+    "DatabaseID=2|FontKind=OpenType - PS|Foundry=Adobe|Version=2|IsTemp=1|IsVault=1|";
+
+// Each step takes away what an earlier one would decide.
+const Step kSteps[] = {
+    {"FontKind=OpenType - PS|Foundry=Adobe", "IsActive=1", "IsActive=0", kActive},
+    {"FontKind=OpenType - PS|Foundry=Adobe", "DatabaseID=2", "DatabaseID=3", kActive},
+    {"FontKind=truetype|Foundry=Adobe", "DatabaseID", "DatabaseID",
+     "Choosing a same-named font with the same type according to Faceprint."},
+    {"Foundry=SMALL", "DatabaseID", "DatabaseID", kFoundry},
+    {"", "DatabaseID|FontKind=opentype", "DatabaseID|FontKind=postscript", kKind},
+    {"", "DatabaseID|FontKind|Foundry=The Adobe Type", "DatabaseID|FontKind|Foundry=adobe",
+     kFoundry},
+    {"", "DatabaseID|FontKind|Foundry|Version=2", "DatabaseID|FontKind|Foundry|Version=1",
+     kVersion},
+    {"", "DatabaseID|FontKind|Foundry|Version|IsTemp=1",
+     "DatabaseID|FontKind|Foundry|Version|IsTemp=0", "Choice based on kFP_IsTempKey."},
+    {"", "DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=1",
+     "DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=0", "Choice based on kFP_IsVaultKey."},
+};
+
+}  // namespace
+
+TEST_F(BestMatch, EachStepDecidesAgainstAllLaterOnes) {
+  for (const Step& step : kSteps) {
+    ExpectFirst(std::string(kWorse) + step.winner, std::string(kBetter) + step.loser, step.source,
+                step.reason);
+  }
+}
+
+TEST_F(BestMatch, EachTieGoesOnToTheNextStep) {
+  struct Tie {
+    std::size_t step;
+    const char* first;
+    const char* second;
+    const char* source = nullptr;  // the next step's
+  };
+  const Tie ties[] = {
+      {1, "", "IsActive=0"},
+      {1, "IsActive=true", "IsActive="},
+      {1, "IsActive=1|IsSystem=1", "IsActive=1|IsSystem=1"},
+      {2, "DatabaseID=2", "DatabaseID=4"},
+      {2, "DatabaseID=3", "DatabaseID=5"},
+      {2, "DatabaseID=0", "DatabaseID=2"},
+      {2, "DatabaseID=none", "DatabaseID=2"},
+      {2, "DatabaseID=9", "DatabaseID=2"},
+      {3, "", ""},
+      {3, "FontKind=TrueType", "FontKind=truetype", "FontKind=TRUETYPE|Foundry=Small"},
+      {3, "FontKind=TrueType", "FontKind=OpenType", "FontKind=Postscript|Foundry=Small"},
+      {4, "Foundry=Small", "Foundry=SMALL", "Foundry=small"},
+      {4, "Foundry=Small", "Foundry=Adobe", "Foundry=Other"},
+      {4, "Foundry=Small", "Foundry=Adobe", "Foundry="},
+      {5, "FontKind=OpenType - TT", "FontKind=OpenType - PS"},
+      {5, "FontKind=OpenType", "FontKind"},
+      {5, "FontKind=PostScript - MM", "FontKind=OpenType"},
+      {5, "FontKind=Postscript", "FontKind=PostScript"},
+      {5, "FontKind=Type 3", "FontKind=TrueType"},
+      {6, "Foundry=Adobe", "Foundry=An Adobe Foundry"},
+      {6, "Foundry", "Foundry=adobe"},
+      {7, "Version=1.5", "Version=01.50 beta"},
+      {7, "Version=beta", "Version=beta"},
+      {7, "Version=Version 02", "Version=Version 2"},
+      {8, "IsTemp=1", "IsTemp"},
+      {8, "IsTemp", "IsTemp=0"},
+      {8, "IsTemp=1", "IsTemp=1"},
+      {8, "IsTemp=0", "IsTemp=0"},
+      {8, "IsTemp=0", "IsTemp=2"},
+  };
+  for (const Tie& tie : ties) {
+    const Step& next = kSteps[tie.step];
+    const auto record = [&](const char* base, const char* decisive, const char* tied) {
+      return std::string(base) + decisive + "|" + tied;
+    };
+    ExpectFirst(record(kWorse, next.winner, tie.first), record(kBetter, next.loser, tie.second),
+                tie.source != nullptr ? tie.source : next.source, next.reason);
+    ExpectFirst(record(kWorse, next.winner, tie.second), record(kBetter, next.loser, tie.first),
+                tie.source != nullptr ? tie.source : next.source, next.reason);
+  }
+  for (const char* other : {"", "IsVault=1", "IsActive=1|IsSystem=1|IsVault=1"}) {
+    const FontRecord a = ReadRecord("IsVault=1|IsActive=1|IsSystem=1");
+    const FontRecord b = ReadRecord(std::string("IsActive=1|IsSystem=1|") + other);
+    ExpectChoice(a, b, nullptr, 0, "");
+    ExpectChoice(b, a, nullptr, 0, "");
+  }
+  Bind(nullptr);
+  ExpectFirst("IsVault=1|DatabaseID=3", "IsVault=0|DatabaseID=2", "",
+              "Choice based on kFP_IsVaultKey.");
+}
+
+TEST_F(BestMatch, StepsWithMoreThanOneRule) {
+  const struct {
+    const char* winner;
+    const char* loser;
+    const char* reason;
+  } rows[] = {
+      {"FontKind=OpenType - TT", "FontKind=TrueType", kKind},
+      {"FontKind=Postscript", "FontKind=TrueType", kKind},
+      {"Version=0.1", "", kVersion},
+      {"Version=1.5", "Version=1.10", kVersion},
+      {"Version= +2", "Version=-3", kVersion},
+      // Not both are numbers: the lower text.
+      {"Version=Version 2", "Version=Version 10", kVersion},
+      {"Version=0.0", "Version=3", kVersion},
+      {"Version=2", "Version=v1", kVersion},
+      {"Version=v", "Version=v1", kVersion},
+      {"Version=inf", "Version=nan", kVersion},
+      {"Version=v99999999999999999998", "Version=v99999999999999999999", kVersion},
+      {"Version=V", "Version=v", kVersion},
+  };
+  for (const auto& row : rows) ExpectFirst(row.winner, row.loser, "", row.reason);
+
+  // Two that are active: the second wins only over a system font, if it is none itself.
+  const FontRecord users = ReadRecord("IsActive=1|Version=1");
+  const FontRecord systems = ReadRecord("IsActive=1|IsSystem=1|Version=2");
+  ExpectChoice(users, ReadRecord("IsActive=1|Version=2"), nullptr, -1, kOverridden1);
+  ExpectChoice(users, systems, nullptr, -1, kOverridden1);
+  ExpectChoice(systems, users, nullptr, 1, Exchanged(kOverridden1));
+  LogCapture log;
+  EXPECT_EQ(PickBestMatchCallBack(systems, ReadRecord("IsActive=1|IsSystem=1"), nullptr), -1);
+  EXPECT_TRUE(log.Has("...Two active fonts - one must be a system font."));
+}
+
+namespace {
+
+using Choices = std::vector<std::vector<const char*>>;
+
+// Records with one text of each list.
+FontRecordArray RandomFonts(std::mt19937& random, std::size_t count, const Choices& choices) {
+  FontRecordArray fonts = MakeFontRecordArray();
+  for (std::size_t i = 0; i < count; ++i) {
+    std::string text;
+    for (const auto& texts : choices) text += texts[random() % texts.size()] + std::string("|");
+    fonts->Append(ReadRecord(text));
+  }
+  return fonts;
+}
+
+std::vector<FontRecord> RecordsOf(const FontRecordArray& fonts) {
+  std::vector<FontRecord> records;
+  for (std::size_t i = 0; i < fonts->Count(); ++i) records.push_back(fonts->DictionaryAt(i));
+  return records;
+}
+
+bool ArePermutations(const std::vector<FontRecord>& a, const std::vector<FontRecord>& b) {
+  return std::is_permutation(a.begin(), a.end(), b.begin(), b.end());
+}
+
+}  // namespace
+
+// Where every key is there and at most one font is active, the comparator is an ordering.
+TEST_F(BestMatch, SortsAnOrderingAsTheLibraryDoes) {
+  const Choices choices = {{"DatabaseID=3", "DatabaseID=5", "DatabaseID=7"},
+                           {"FontKind=OpenType", "FontKind=Postscript", "FontKind=TrueType"},
+                           {"Foundry=Adobe", "Foundry=Small", "Foundry=Other"},
+                           {"Version=1", "Version=1.0", "Version=2.5"},
+                           {"IsTemp=1", "IsTemp=0"},
+                           {"IsVault=1", "IsVault=0"}};
+  const char* sources[] = {"", "FontKind=TrueType", "Foundry=Other|FontKind=Postscript"};
+  const LogCapture quiet;
+  std::mt19937 random(3);
+  for (int round = 0; round < 300; ++round) {
+    const FontRecordArray fonts = RandomFonts(random, 1 + random() % 40, choices);
+    const FontRecord source = ReadRecord(sources[round % 3]);
+    const std::size_t special = random() % fonts->Count();
+    if (round % 4 == 1) fonts->DictionaryAt(special)->Set(kFP_IsActiveKey, "1");
+    if (round % 4 == 2) fonts->DictionaryAt(special)->Set(kFP_DatabaseIDKey, "2");
+    std::vector<FontRecord> expected = RecordsOf(fonts);
+    std::stable_sort(expected.begin(), expected.end(), [&](const auto& a, const auto& b) {
+      return PickBestMatchCallBack(a, b, source) < 0;
+    });
+    SortByBestMatch(fonts, source);
+    const std::vector<FontRecord> sorted = RecordsOf(fonts);
+    EXPECT_EQ(sorted, expected) << round;
+    for (const FontRecord& other : sorted) {
+      EXPECT_LE(PickBestMatchCallBack(sorted[0], other, source), other == sorted[0] ? 1 : 0);
+    }
+  }
+}
+
+// 3 is above 2 as a number, "2" comes before "v" and "v" before nothing: a circle. Each of two
+// active fonts claims to be the first.
+TEST_F(BestMatch, EndsInBoundsWhereThereIsNoOrdering) {
+  std::mt19937 random(4);
+  for (int round = 0; round < 200; ++round) {
+    const std::size_t count = 2 + random() % 63;
+    const FontRecordArray fonts = RandomFonts(
+        random, count,
+        {{"DatabaseID=3"},
+         {"Version=3", "Version=2", "Version=0", "Version=v1", "Version=10", "Version", "Version="},
+         {"FontKind", "FontKind=OpenType", "FontKind=TrueType"},
+         {"IsTemp", "IsTemp=1", "IsTemp=0"},
+         {round % 2 == 0 ? "IsActive=0" : "IsActive=1", "IsActive=0"}});
+    const std::vector<FontRecord> before = RecordsOf(fonts);
+    liveQuestions = 0;
+    LogCapture log;
+    SortByBestMatch(fonts, nullptr);
+    EXPECT_TRUE(ArePermutations(before, RecordsOf(fonts)));
+    // A comparison is decided by the key of active fonts, or asks for the live state.
+    const auto chosen = std::count_if(log.lines.begin(), log.lines.end(), [](const auto& line) {
+      return line.starts_with("...Choosing");
+    });
+    EXPECT_GE(liveQuestions + chosen, static_cast<int>(count) - 1);
+    EXPECT_LE(liveQuestions + chosen, static_cast<int>(count) * std::bit_width(count - 1));
+  }
+}

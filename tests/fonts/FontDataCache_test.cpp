@@ -1,0 +1,87 @@
+#include "fonts/FontDataCache.h"
+
+#include <gtest/gtest.h>
+
+#include "support/FontRecords.h"
+#include "support/LogCapture.h"
+
+using namespace FontDataPreviouslyGottenFromDatabase;
+
+namespace {
+
+void Deliver(std::uint32_t id, std::uint16_t state, const char* record) {
+  Add(id, {1, id, state, ReadRecord(record)});
+}
+
+// The ID of the hit, 0 for none.
+std::uint32_t ActiveVersionOf(const char* name) {
+  FontRecord copy;
+  std::uint32_t id = 0;
+  const bool found = CreateCopyOfFaceprintDataForActiveFont(name, copy, id);
+  EXPECT_EQ(found, id != 0);
+  if (found) copy->Set(kFP_ActivationStateKey, "1");  // the caller's own
+  return id;
+}
+
+class FontDataCache : public testing::Test {
+ protected:
+  FontDataCache() { DeleteAll(); }
+};
+
+}  // namespace
+
+TEST_F(FontDataCache, TheStateAtDeliveryAndTheLiveOneHaveToAgree) {
+  Deliver(5, 2, "PostScriptName=Foo|ActivationStatus=2");
+  Deliver(3, 3, "PostScriptName=Foo|ActivationStatus=3");
+  Deliver(4, 1, "PostScriptName=Bar|ActivationStatus=1");
+  Deliver(6, 0, "PostScriptName=Unknown|ActivationStatus=2");
+  Deliver(7, 2, "PostScriptName=Never|ActivationStatus=0");
+  Deliver(8, 2, "PostScriptName=Odd|IsActive=1");
+  Deliver(9, 2, "ActivationStatus=2");
+  Deliver(3, 2, "PostScriptName=Late|ActivationStatus=2");  // the first delivery stands
+  const struct {
+    std::uint32_t id;  // changes to `isActive`
+    bool isActive;
+    std::uint32_t foo;  // the active version afterwards
+  } steps[] = {
+      {5, true, 3},                                // was active before: nothing changes
+      {3, false, 5}, {5, false, 0}, {3, true, 3},  // the other version stays as it is: off
+      {5, true, 5},                                // now the first one goes off
+      {5, false, 0}, {5, false, 0}, {99, true, 0},
+  };
+  EXPECT_EQ(ActiveVersionOf("Foo"), 3u);
+  for (const auto& step : steps) {
+    SetFontActivationState(step.id, step.isActive);
+    EXPECT_EQ(ActiveVersionOf("Foo"), step.foo) << step.id << step.isActive;
+    EXPECT_EQ(ActiveVersionOf("Unknown"), 6u) << "another name";
+  }
+  for (const std::uint32_t id : {4u, 7u, 8u, 9u}) SetFontActivationState(id, true);
+  for (const char* name : {"Late", "foo", "Bar", "Never", "Odd", ""}) {
+    EXPECT_EQ(ActiveVersionOf(name), 0u) << name;
+  }
+}
+
+TEST_F(FontDataCache, TellsWhatItDoes) {
+  Deliver(4, 2, "PostScriptName=Bar|ActivationStatus=2|Version=1.5|IsActive=1");
+  LogCapture log;
+  SetFontActivationState(99, true);
+  SetFontActivationState(99, false);
+  EXPECT_EQ(ActiveVersionOf("Bar"), 4u);
+  SetFontActivationState(4, false);
+  SetFontActivationState(4, true);
+  EXPECT_EQ(DeleteAll(), 0);
+  EXPECT_EQ(ActiveVersionOf("Bar"), 0u);
+  const std::string space = "FontDataPreviouslyGottenFromDatabase";
+  const std::string failed = "SetFontActivationState() failing to record transition to activation ";
+  EXPECT_EQ(log.lines,
+            (std::vector<std::string>{
+                failed + "state 3 because font with databaseID 99 not in " + space + ".\n",
+                failed + "state 1 because font with databaseID 99 not in " + space + ".\n",
+                "Returning TRUE from " + space +
+                    "::CreateCopyOfFaceprintDataForActiveFont('Bar', ...) with version 1.5, "
+                    "Faceprint_ActivationStatusKey=2, Faceprint_IsActiveKey=1\n",
+                "Setting activation state to 3 in " + space +
+                    "::SetFontActivationState(4 (Bar, version 1.5), isActive=1) with "
+                    "Faceprint_ActivationStatusKey=2, Faceprint_IsActiveKey=1\n",
+                space + "::DeleteAll() removing 4 ('Bar') from cache.\n"}));
+}
