@@ -24,8 +24,7 @@ TEST(IsFontActive, AsksForTheNameAfterARoundTripThroughMacRoman) {
       {"Caf\xC3\xA9", "Caf\xC3\xA9"},                            // has a place in MacRoman
       {"\xE6\x98\x8E\xE6\x9C\x9D", "\xE6\x98\x8E\xE6\x9C\x9D"},  // has none: as it is
       {tooLong, tooLong},
-      {"", ""},
-  };
+      {"", ""}};
   FakePlatform platform;
   for (const Case& c : cases) {
     platform.fonts.questions.clear();

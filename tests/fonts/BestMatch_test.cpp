@@ -8,6 +8,7 @@
 #include "support/FontRecords.h"
 #include "support/IdentifiedPlugin.h"
 #include "support/LogCapture.h"
+#include "support/TextTable.h"
 
 using namespace FaceprintSupport;
 
@@ -63,7 +64,7 @@ void ExpectChoice(const FontRecord& first, const FontRecord& second, const FontR
   }
 }
 
-void ExpectFirst(const std::string& first, const std::string& second, const char* source,
+void ExpectFirst(const std::string& first, const std::string& second, const std::string& source,
                  const std::string& reason) {
   SCOPED_TRACE(first + " against " + second + " for " + source);
   const FontRecord a = ReadRecord(first);
@@ -107,8 +108,7 @@ const Step kSteps[] = {
     {"", "DatabaseID|FontKind|Foundry|Version|IsTemp=1",
      "DatabaseID|FontKind|Foundry|Version|IsTemp=0", "Choice based on kFP_IsTempKey."},
     {"", "DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=1",
-     "DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=0", "Choice based on kFP_IsVaultKey."},
-};
+     "DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=0", "Choice based on kFP_IsVaultKey."}};
 
 }  // namespace
 
@@ -120,52 +120,30 @@ TEST_F(BestMatch, EachStepDecidesAgainstAllLaterOnes) {
 }
 
 TEST_F(BestMatch, EachTieGoesOnToTheNextStep) {
-  struct Tie {
-    std::size_t step;
-    const char* first;
-    const char* second;
-    const char* source = nullptr;  // the next step's
-  };
-  const Tie ties[] = {
-      {1, "", "IsActive=0"},
-      {1, "IsActive=true", "IsActive="},
-      {1, "IsActive=1|IsSystem=1", "IsActive=1|IsSystem=1"},
-      {2, "DatabaseID=2", "DatabaseID=4"},
-      {2, "DatabaseID=3", "DatabaseID=5"},
-      {2, "DatabaseID=0", "DatabaseID=2"},
-      {2, "DatabaseID=none", "DatabaseID=2"},
-      {2, "DatabaseID=9", "DatabaseID=2"},
-      {3, "", ""},
-      {3, "FontKind=TrueType", "FontKind=truetype", "FontKind=TRUETYPE|Foundry=Small"},
-      {3, "FontKind=TrueType", "FontKind=OpenType", "FontKind=Postscript|Foundry=Small"},
-      {4, "Foundry=Small", "Foundry=SMALL", "Foundry=small"},
-      {4, "Foundry=Small", "Foundry=Adobe", "Foundry=Other"},
-      {4, "Foundry=Small", "Foundry=Adobe", "Foundry="},
-      {5, "FontKind=OpenType - TT", "FontKind=OpenType - PS"},
-      {5, "FontKind=OpenType", "FontKind"},
-      {5, "FontKind=PostScript - MM", "FontKind=OpenType"},
-      {5, "FontKind=Postscript", "FontKind=PostScript"},
-      {5, "FontKind=Type 3", "FontKind=TrueType"},
-      {6, "Foundry=Adobe", "Foundry=An Adobe Foundry"},
-      {6, "Foundry", "Foundry=adobe"},
-      {7, "Version=1.5", "Version=01.50 beta"},
-      {7, "Version=beta", "Version=beta"},
-      {7, "Version=Version 02", "Version=Version 2"},
-      {8, "IsTemp=1", "IsTemp"},
-      {8, "IsTemp", "IsTemp=0"},
-      {8, "IsTemp=1", "IsTemp=1"},
-      {8, "IsTemp=0", "IsTemp=0"},
-      {8, "IsTemp=0", "IsTemp=2"},
-  };
-  for (const Tie& tie : ties) {
-    const Step& next = kSteps[tie.step];
-    const auto record = [&](const char* base, const char* decisive, const char* tied) {
-      return std::string(base) + decisive + "|" + tied;
-    };
-    ExpectFirst(record(kWorse, next.winner, tie.first), record(kBetter, next.loser, tie.second),
-                tie.source != nullptr ? tie.source : next.source, next.reason);
-    ExpectFirst(record(kWorse, next.winner, tie.second), record(kBetter, next.loser, tie.first),
-                tie.source != nullptr ? tie.source : next.source, next.reason);
+  // The step, what the two hold, and what the source holds, if not what the next step needs.
+  const char* ties = R"(
+    1 /  / IsActive=0;    1 / IsActive=true / IsActive=;   1 / IsActive=1|IsSystem=1 / IsActive=1|IsSystem=1
+    2 / DatabaseID=2 / DatabaseID=4;     2 / DatabaseID=3 / DatabaseID=5;  2 / DatabaseID=0 / DatabaseID=2
+    2 / DatabaseID=none / DatabaseID=2;  2 / DatabaseID=9 / DatabaseID=2;  3 / /
+    3 / FontKind=TrueType / FontKind=truetype / FontKind=TRUETYPE|Foundry=Small
+    3 / FontKind=TrueType / FontKind=OpenType / FontKind=Postscript|Foundry=Small
+    4 / Foundry=Small / Foundry=SMALL / Foundry=small
+    4 / Foundry=Small / Foundry=Adobe / Foundry=Other;  4 / Foundry=Small / Foundry=Adobe / Foundry=
+    5 / FontKind=OpenType - TT / FontKind=OpenType - PS;  5 / FontKind=OpenType / FontKind
+    5 / FontKind=PostScript - MM / FontKind=OpenType;     5 / FontKind=Postscript / FontKind=PostScript
+    5 / FontKind=Type 3 / FontKind=TrueType
+    6 / Foundry=Adobe / Foundry=An Adobe Foundry;         6 / Foundry / Foundry=adobe
+    7 / Version=1.5 / Version=01.50 beta;                 7 / Version=beta / Version=beta
+    7 / Version=Version 02 / Version=Version 2
+    8 / IsTemp=1 / IsTemp;    8 / IsTemp / IsTemp=0;      8 / IsTemp=1 / IsTemp=1
+    8 / IsTemp=0 / IsTemp=0;  8 / IsTemp=0 / IsTemp=2)";
+  for (const auto& tie : ReadTable(ties)) {
+    const Step& next = kSteps[std::stoul(tie[0])];
+    for (const bool exchanged : {false, true}) {
+      ExpectFirst(kWorse + (next.winner + ("|" + tie[exchanged ? 2 : 1])),
+                  kBetter + (next.loser + ("|" + tie[exchanged ? 1 : 2])),
+                  tie.size() > 3 ? tie[3] : next.source, next.reason);
+    }
   }
   for (const char* other : {"", "IsVault=1", "IsActive=1|IsSystem=1|IsVault=1"}) {
     const FontRecord a = ReadRecord("IsVault=1|IsActive=1|IsSystem=1");
@@ -179,26 +157,15 @@ TEST_F(BestMatch, EachTieGoesOnToTheNextStep) {
 }
 
 TEST_F(BestMatch, StepsWithMoreThanOneRule) {
-  const struct {
-    const char* winner;
-    const char* loser;
-    const char* reason;
-  } rows[] = {
-      {"FontKind=OpenType - TT", "FontKind=TrueType", kKind},
-      {"FontKind=Postscript", "FontKind=TrueType", kKind},
-      {"Version=0.1", "", kVersion},
-      {"Version=1.5", "Version=1.10", kVersion},
-      {"Version= +2", "Version=-3", kVersion},
-      // Not both are numbers: the lower text.
-      {"Version=Version 2", "Version=Version 10", kVersion},
-      {"Version=0.0", "Version=3", kVersion},
-      {"Version=2", "Version=v1", kVersion},
-      {"Version=v", "Version=v1", kVersion},
-      {"Version=inf", "Version=nan", kVersion},
-      {"Version=v99999999999999999998", "Version=v99999999999999999999", kVersion},
-      {"Version=V", "Version=v", kVersion},
-  };
-  for (const auto& row : rows) ExpectFirst(row.winner, row.loser, "", row.reason);
+  const auto rows = ReadTable(R"(
+    FontKind=OpenType - TT / FontKind=TrueType;  FontKind=Postscript / FontKind=TrueType
+    Version=0.1 /;         Version=1.5 / Version=1.10;  Version= +2 / Version=-3
+    Version=Version 2 / Version=Version 10;      Version=0.0 / Version=3;  Version=2 / Version=v1
+    Version=v / Version=v1;  Version=inf / Version=nan;                    Version=V / Version=v
+    Version=v99999999999999999998 / Version=v99999999999999999999)");
+  for (const auto& row : rows) {
+    ExpectFirst(row[0], row[1], "", row[0].starts_with("V") ? kVersion : kKind);
+  }
 
   // Two that are active: the second wins only over a system font, if it is none itself.
   const FontRecord users = ReadRecord("IsActive=1|Version=1");
@@ -230,10 +197,6 @@ std::vector<FontRecord> RecordsOf(const FontRecordArray& fonts) {
   std::vector<FontRecord> records;
   for (std::size_t i = 0; i < fonts->Count(); ++i) records.push_back(fonts->DictionaryAt(i));
   return records;
-}
-
-bool ArePermutations(const std::vector<FontRecord>& a, const std::vector<FontRecord>& b) {
-  return std::is_permutation(a.begin(), a.end(), b.begin(), b.end());
 }
 
 }  // namespace
@@ -285,7 +248,8 @@ TEST_F(BestMatch, EndsInBoundsWhereThereIsNoOrdering) {
     liveQuestions = 0;
     LogCapture log;
     SortByBestMatch(fonts, nullptr);
-    EXPECT_TRUE(ArePermutations(before, RecordsOf(fonts)));
+    const std::vector<FontRecord> after = RecordsOf(fonts);
+    EXPECT_TRUE(std::is_permutation(before.begin(), before.end(), after.begin(), after.end()));
     // A comparison is decided by the key of active fonts, or asks for the live state.
     const auto chosen = std::count_if(log.lines.begin(), log.lines.end(), [](const auto& line) {
       return line.starts_with("...Choosing");

@@ -42,13 +42,11 @@ TEST_F(FontDataCache, TheStateAtDeliveryAndTheLiveOneHaveToAgree) {
   const struct {
     std::uint32_t id;  // changes to `isActive`
     bool isActive;
-    std::uint32_t foo;  // the active version afterwards
-  } steps[] = {
-      {5, true, 3},                                // was active before: nothing changes
-      {3, false, 5}, {5, false, 0}, {3, true, 3},  // the other version stays as it is: off
-      {5, true, 5},                                // now the first one goes off
-      {5, false, 0}, {5, false, 0}, {99, true, 0},
-  };
+    std::uint32_t foo;                                      // the active version afterwards
+  } steps[] = {{5, true, 3},                                // was active before: nothing changes
+               {3, false, 5}, {5, false, 0}, {3, true, 3},  // the other version stays as it is: off
+               {5, true, 5},                                // now the first one goes off
+               {5, false, 0}, {5, false, 0}, {99, true, 0}};
   EXPECT_EQ(ActiveVersionOf("Foo"), 3u);
   for (const auto& step : steps) {
     SetFontActivationState(step.id, step.isActive);

@@ -27,17 +27,15 @@ TEST(FontMerging, ByCompletenessAndValues) {
     const char* destination;
     const char* expected;
     const char* log;
-  } rows[] = {
-      {"|b=2", "|a=1", "|a=1|b=2", kMerging},
-      {"|a=X|b=2", "|a=x|c=3|d=4", "|a=x|c=3|d=4|b=2", kMerging},
-      {"|a=X", "|a=x|b=2", "|a=x|b=2", kComplete},
-      {"|a=X", "|a=x", "|a=x", kIdentical},
-      {"|a=1|b=2", "|a=9", "|a=1|b=2", kReplacing},
-      {"|a=1|b=2", "|a=11", "|a=1|b=2", kReplacing},
-      {"|a=1", "|a=9|b=2", "|a=9|b=2", kComplete},
-      {"|a=1", "|a=9", "|a=9", kIdentical},
-      {"|a=1|c=3", "|a=9|b=2", "|a=9|b=2", kIdentical},
-  };
+  } rows[] = {{"|b=2", "|a=1", "|a=1|b=2", kMerging},
+              {"|a=X|b=2", "|a=x|c=3|d=4", "|a=x|c=3|d=4|b=2", kMerging},
+              {"|a=X", "|a=x|b=2", "|a=x|b=2", kComplete},
+              {"|a=X", "|a=x", "|a=x", kIdentical},
+              {"|a=1|b=2", "|a=9", "|a=1|b=2", kReplacing},
+              {"|a=1|b=2", "|a=11", "|a=1|b=2", kReplacing},
+              {"|a=1", "|a=9|b=2", "|a=9|b=2", kComplete},
+              {"|a=1", "|a=9", "|a=9", kIdentical},
+              {"|a=1|c=3", "|a=9|b=2", "|a=9|b=2", kIdentical}};
   for (const auto& row : rows) {
     const std::string name = "PostScriptName=Foo";
     const FontRecord old = ReadRecord(name + row.destination);

@@ -87,8 +87,7 @@ TEST(FontRecordOperations, ChecksumRepairs) {
       {kFP_PathKey, "x", "-1", "77", "0", true},                       // no 1.1 checksum at all
       {kFP_ChecksumKey, "5", "4294967297", "5", "4294967297", false},  // low 32 bits are 1
       {kFP_ChecksumKey, "5", "99999999999999999999", "5", "0", true},
-      {kFP_ChecksumKey, "5", "none", "5", "none", false},
-  };
+      {kFP_ChecksumKey, "5", "none", "5", "none", false}};
   for (const Row& row : rows) {
     const FontRecord record = MakeRecord({{kFP_Faceprint_1_2_Key, "77"},
                                           {row.key, row.value},

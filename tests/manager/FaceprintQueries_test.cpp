@@ -68,8 +68,7 @@ TEST(NameLadder, AsksForShorterAndShorterNames) {
        1,
        "P:Name",
        {"F:Name_1", "F:Name1", "P:Name"}},
-      {"nothing to take off", "Name", 0, "", {"P:Name", "P:Name"}},
-  };
+      {"nothing to take off", "Name", 0, "", {"P:Name", "P:Name"}}};
   for (const Ladder& ladder : ladders) {
     FakeFontManager manager;
     const std::string present = ladder.present;
@@ -180,8 +179,7 @@ TEST(QueryByName, PassesOverWhatItCannotReadAndStopsWhenTheFontManagerHasGone) {
       {"gone at a text", 0, 1000, "", 1000, {1}},
       {"no property list", 0, 0, "junk", 0, {1, 3}},
       {"no list of records", 0, 0, "<plist><string>x</string></plist>", 0, {1, 3}},
-      {"larger than the buffer", 0, 0, huge, 0, {1, 3}},
-  };
+      {"larger than the buffer", 0, 0, huge, 0, {1, 3}}};
   for (const Case& c : cases) {
     FakeFontManager manager;
     for (std::uint32_t id = 1; id <= 3; ++id) manager.Add(id, "Name");

@@ -47,8 +47,7 @@ TEST_F(WorkgroupSelection, ChoosesByRule) {
       {"all selected but not allowed any more", 1, false, false, true, -2, 11, true, true, {}},
       {"empty, standalone", 0, false, true, true, 12, 0, true, true, {}},
       {"empty, server", 0, false, false, true, 12, 0, false, false, {"NoWorkgroupsHeader"}},
-      {"empty, server, known already", 0, true, false, false, 12, 0, false, false, {}},
-  };
+      {"empty, server, known already", 0, true, false, false, 12, 0, false, false, {}}};
   for (const Case& c : cases) {
     FakeFontManager& table = Make(c.workgroupCount);
     table.canActivateFromAll = c.canActivateFromAll;
@@ -113,8 +112,7 @@ TEST_F(WorkgroupSelection, TheDefaultIsInitialised) {
       {"invalid, all allowed", 2, true, true, 99, -2, false, true},
       {"invalid, one", 1, false, true, 99, 11, false, true},
       {"invalid, several", 2, false, true, 99, 99, true, false},
-      {"invalid, none", 0, false, true, -2, -2, true, false},
-  };
+      {"invalid, none", 0, false, true, -2, -2, true, false}};
   for (const Case& c : cases) {
     FakeFontManager& table = Make(c.workgroupCount);
     table.canActivateFromAll = c.canActivateFromAll;
@@ -142,13 +140,11 @@ TEST_F(WorkgroupSelection, IsCheckedOnlyWhereThePluginWorks) {
     bool result;
     long selected;
   };
-  const Case cases[] = {
-      {"runs", true, true, true, false, true, 11},
-      {"services off", false, true, true, false, false, 99},
-      {"preference off", true, false, true, false, false, 99},
-      {"neither logged in nor standalone", true, true, false, false, false, 99},
-      {"standalone", true, true, false, true, true, 11},
-  };
+  const Case cases[] = {{"runs", true, true, true, false, true, 11},
+                        {"services off", false, true, true, false, false, 99},
+                        {"preference off", true, false, true, false, false, 99},
+                        {"neither logged in nor standalone", true, true, false, false, false, 99},
+                        {"standalone", true, true, false, true, true, 11}};
   for (const Case& c : cases) {
     FakeFontManager& table = Make(1);
     table.loggedIn = c.loggedIn;
