@@ -216,9 +216,15 @@ int FakeFontManager::FindFontsInSameFamilyForActivation(const FontRecord& font,
   return 0;
 }
 
-int FakeFontManager::GetAllWorkgroupsForUser(PropertyList::ArrayRef& outWorkgroups, bool, bool,
-                                             bool) {
-  if (const int code = Call("GetAllWorkgroupsForUser", "")) return code;
+int FakeFontManager::GetAllWorkgroupsForUser(PropertyList::ArrayRef& outWorkgroups,
+                                             bool addAllWorkgroupsEntry,
+                                             bool includeSpecialWorkgroups,
+                                             bool includeTypekitWorkgroup) {
+  std::string flags;
+  if (addAllWorkgroupsEntry) flags += "all,";
+  if (includeSpecialWorkgroups) flags += "special,";
+  if (includeTypekitWorkgroup) flags += "typekit,";
+  if (const int code = Call("GetAllWorkgroupsForUser", flags)) return code;
   outWorkgroups = PropertyList::Array::Create();
   for (const auto& [id, name] : workgroups) {
     const FontRecord workgroup = MakeFontRecord();
