@@ -51,72 +51,47 @@ std::string Exchanged(std::string text) {
   return text;
 }
 
-// The last line is the reason; "" for none.
-void ExpectChoice(const FontRecord& first, const FontRecord& second, const FontRecord& source,
+// The last line of the log is the reason; "" for none.
+void ExpectChoice(const std::string& first, const std::string& second, const std::string& source,
                   int result, const std::string& reason) {
   LogCapture log;
-  EXPECT_EQ(PickBestMatchCallBack(first, second, source), result);
-  if (!reason.empty()) {
-    EXPECT_EQ(log.lines.empty() ? "" : log.lines.back(), reason + "\n");
-  }
-  for (const std::string& line : log.lines) {
-    EXPECT_TRUE(!reason.empty() || line.find("Cho") == std::string::npos) << line;
-  }
+  EXPECT_EQ(PickBestMatchCallBack(ReadRecord(first), ReadRecord(second), ReadRecord(source)),
+            result)
+      << first << " against " << second << " for " << source;
+  EXPECT_EQ(log.HasPart("Cho") ? log.lines.back() : "\n", reason + "\n");
 }
 
+// The first one wins from either side.
 void ExpectFirst(const std::string& first, const std::string& second, const std::string& source,
                  const std::string& reason) {
-  SCOPED_TRACE(first + " against " + second + " for " + source);
-  const FontRecord a = ReadRecord(first);
-  const FontRecord b = ReadRecord(second);
-  ExpectChoice(a, b, ReadRecord(source), -1, reason);
-  ExpectChoice(b, a, ReadRecord(source), 1, Exchanged(reason));
+  ExpectChoice(first, second, source, -1, reason);
+  ExpectChoice(second, first, source, 1, Exchanged(reason));
 }
 
-constexpr const char* kActive = "...Choosing fontRef1 because it's active and fontRef2 isn't.";
-constexpr const char* kOverridden1 =
-    "...Choosing non-system fontRef1 since user has explicitly overridden system version.";
-constexpr const char* kKind = "Choice based on kFP_KindKey.";
-constexpr const char* kFoundry = "Choice based on kFP_FoundryKey.";
-constexpr const char* kVersion = "Choice based on kFP_VersionKey.";
-
-// What step decides when the two are otherwise `kWorse` and `kBetter` at every later step.
-struct Step {
-  const char* source;
-  const char* winner;
-  const char* loser;
-  const char* reason;
-};
-
-constexpr const char* kWorse =
+// What each step decides when the two are otherwise these at every later step.
+const std::string kWorse =
     "DatabaseID=3|FontKind=TrueType|Foundry=Small|Version=1|IsTemp=0|IsVault=0|";
-constexpr const char* kBetter =
+const std::string kBetter =
     "DatabaseID=2|FontKind=OpenType - PS|Foundry=Adobe|Version=2|IsTemp=1|IsVault=1|";
 
-// Each step takes away what an earlier one would decide.
-const Step kSteps[] = {
-    {"FontKind=OpenType - PS|Foundry=Adobe", "IsActive=1", "IsActive=0", kActive},
-    {"FontKind=OpenType - PS|Foundry=Adobe", "DatabaseID=2", "DatabaseID=3", kActive},
-    {"FontKind=truetype|Foundry=Adobe", "DatabaseID", "DatabaseID",
-     "Choosing a same-named font with the same type according to Faceprint."},
-    {"Foundry=SMALL", "DatabaseID", "DatabaseID", kFoundry},
-    {"", "DatabaseID|FontKind=opentype", "DatabaseID|FontKind=postscript", kKind},
-    {"", "DatabaseID|FontKind|Foundry=The Adobe Type", "DatabaseID|FontKind|Foundry=adobe",
-     kFoundry},
-    {"", "DatabaseID|FontKind|Foundry|Version=2", "DatabaseID|FontKind|Foundry|Version=1",
-     kVersion},
-    {"", "DatabaseID|FontKind|Foundry|Version|IsTemp=1",
-     "DatabaseID|FontKind|Foundry|Version|IsTemp=0", "Choice based on kFP_IsTempKey."},
-    {"", "DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=1",
-     "DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=0", "Choice based on kFP_IsVaultKey."}};
+// Winner, loser, source and reason. What an earlier step would decide is taken away.
+const auto kSteps = ReadTable(R"(
+  IsActive=1   / IsActive=0   / FontKind=OpenType - PS|Foundry=Adobe / ...Choosing fontRef1 because it's active and fontRef2 isn't.
+  DatabaseID=2 / DatabaseID=3 / FontKind=OpenType - PS|Foundry=Adobe / ...Choosing fontRef1 because it's active and fontRef2 isn't.
+  DatabaseID   / DatabaseID   / FontKind=truetype|Foundry=Adobe      / Choosing a same-named font with the same type according to Faceprint.
+  DatabaseID   / DatabaseID   / Foundry=SMALL                        / Choice based on kFP_FoundryKey.
+  DatabaseID|FontKind=opentype / DatabaseID|FontKind=postscript     / / Choice based on kFP_KindKey.
+  DatabaseID|FontKind|Foundry=The Adobe Type / DatabaseID|FontKind|Foundry=adobe   / / Choice based on kFP_FoundryKey.
+  DatabaseID|FontKind|Foundry|Version=2 / DatabaseID|FontKind|Foundry|Version=1    / / Choice based on kFP_VersionKey.
+  DatabaseID|FontKind|Foundry|Version|IsTemp=1 / DatabaseID|FontKind|Foundry|Version|IsTemp=0 / / Choice based on kFP_IsTempKey.
+  DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=1 / DatabaseID|FontKind|Foundry|Version|IsTemp|IsVault=0 / / Choice based on kFP_IsVaultKey.)");
 
 }  // namespace
 
 TEST_F(BestMatch, EachStepDecidesAgainstAllLaterOnes) {
-  for (const Step& step : kSteps) {
-    ExpectFirst(std::string(kWorse) + step.winner, std::string(kBetter) + step.loser, step.source,
-                step.reason);
-  }
+  ASSERT_EQ(kSteps.size(), 9u);
+  for (const auto& step : kSteps)
+    ExpectFirst(kWorse + step[0], kBetter + step[1], step[2], step[3]);
 }
 
 TEST_F(BestMatch, EachTieGoesOnToTheNextStep) {
@@ -138,22 +113,17 @@ TEST_F(BestMatch, EachTieGoesOnToTheNextStep) {
     8 / IsTemp=1 / IsTemp;    8 / IsTemp / IsTemp=0;      8 / IsTemp=1 / IsTemp=1
     8 / IsTemp=0 / IsTemp=0;  8 / IsTemp=0 / IsTemp=2)";
   for (const auto& tie : ReadTable(ties)) {
-    const Step& next = kSteps[std::stoul(tie[0])];
-    for (const bool exchanged : {false, true}) {
-      ExpectFirst(kWorse + (next.winner + ("|" + tie[exchanged ? 2 : 1])),
-                  kBetter + (next.loser + ("|" + tie[exchanged ? 1 : 2])),
-                  tie.size() > 3 ? tie[3] : next.source, next.reason);
-    }
+    const auto& next = kSteps[std::stoul(tie[0])];
+    const std::string source = tie.size() > 3 ? tie[3] : next[2];
+    ExpectFirst(kWorse + next[0] + "|" + tie[1], kBetter + next[1] + "|" + tie[2], source, next[3]);
+    ExpectFirst(kWorse + next[0] + "|" + tie[2], kBetter + next[1] + "|" + tie[1], source, next[3]);
   }
-  for (const char* other : {"", "IsVault=1", "IsActive=1|IsSystem=1|IsVault=1"}) {
-    const FontRecord a = ReadRecord("IsVault=1|IsActive=1|IsSystem=1");
-    const FontRecord b = ReadRecord(std::string("IsActive=1|IsSystem=1|") + other);
-    ExpectChoice(a, b, nullptr, 0, "");
-    ExpectChoice(b, a, nullptr, 0, "");
+  for (const std::string other : {"", "IsVault=1", "IsActive=1|IsSystem=1|IsVault=1"}) {
+    ExpectChoice("IsVault=1|IsActive=1|IsSystem=1", "IsActive=1|IsSystem=1|" + other, "", 0, "");
+    ExpectChoice("IsActive=1|IsSystem=1|" + other, "IsVault=1|IsActive=1|IsSystem=1", "", 0, "");
   }
   Bind(nullptr);
-  ExpectFirst("IsVault=1|DatabaseID=3", "IsVault=0|DatabaseID=2", "",
-              "Choice based on kFP_IsVaultKey.");
+  ExpectFirst("IsVault=1|DatabaseID=3", "IsVault=0|DatabaseID=2", "", kSteps[8][3]);
 }
 
 TEST_F(BestMatch, StepsWithMoreThanOneRule) {
@@ -164,18 +134,13 @@ TEST_F(BestMatch, StepsWithMoreThanOneRule) {
     Version=v / Version=v1;  Version=inf / Version=nan;                    Version=V / Version=v
     Version=v99999999999999999998 / Version=v99999999999999999999)");
   for (const auto& row : rows) {
-    ExpectFirst(row[0], row[1], "", row[0].starts_with("V") ? kVersion : kKind);
+    ExpectFirst(row[0], row[1], "", kSteps[row[0].starts_with("V") ? 6 : 4][3]);
   }
-
-  // Two that are active: the second wins only over a system font, if it is none itself.
-  const FontRecord users = ReadRecord("IsActive=1|Version=1");
-  const FontRecord systems = ReadRecord("IsActive=1|IsSystem=1|Version=2");
-  ExpectChoice(users, ReadRecord("IsActive=1|Version=2"), nullptr, -1, kOverridden1);
-  ExpectChoice(users, systems, nullptr, -1, kOverridden1);
-  ExpectChoice(systems, users, nullptr, 1, Exchanged(kOverridden1));
-  LogCapture log;
-  EXPECT_EQ(PickBestMatchCallBack(systems, ReadRecord("IsActive=1|IsSystem=1"), nullptr), -1);
-  EXPECT_TRUE(log.Has("...Two active fonts - one must be a system font."));
+  // Of two that are active the second wins only over a system font, if it is none itself.
+  const std::string reason =
+      "...Choosing non-system fontRef1 since user has explicitly overridden system version.";
+  ExpectChoice("IsActive=1|Version=1", "IsActive=1|Version=2", "", -1, reason);
+  ExpectFirst("IsActive=1|Version=1", "IsActive=1|IsSystem=1|Version=2", "", reason);
 }
 
 namespace {

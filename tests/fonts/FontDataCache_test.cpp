@@ -4,6 +4,7 @@
 
 #include "support/FontRecords.h"
 #include "support/LogCapture.h"
+#include "support/TextTable.h"
 
 using namespace FontDataPreviouslyGottenFromDatabase;
 
@@ -39,18 +40,14 @@ TEST_F(FontDataCache, TheStateAtDeliveryAndTheLiveOneHaveToAgree) {
   Deliver(8, 2, "PostScriptName=Odd|IsActive=1");
   Deliver(9, 2, "ActivationStatus=2");
   Deliver(3, 2, "PostScriptName=Late|ActivationStatus=2");  // the first delivery stands
-  const struct {
-    std::uint32_t id;  // changes to `isActive`
-    bool isActive;
-    std::uint32_t foo;                                      // the active version afterwards
-  } steps[] = {{5, true, 3},                                // was active before: nothing changes
-               {3, false, 5}, {5, false, 0}, {3, true, 3},  // the other version stays as it is: off
-               {5, true, 5},                                // now the first one goes off
-               {5, false, 0}, {5, false, 0}, {99, true, 0}};
+  // A version, whether it becomes active, and the active version afterwards. One that is active
+  // already changes nothing; one that becomes active puts the other off.
+  const char* steps = R"(5 / 1 / 3;  3 / 0 / 5;  5 / 0 / 0;  3 / 1 / 3;  5 / 1 / 5;  5 / 0 / 0
+                         5 / 0 / 0;  99 / 1 / 0)";
   EXPECT_EQ(ActiveVersionOf("Foo"), 3u);
-  for (const auto& step : steps) {
-    SetFontActivationState(step.id, step.isActive);
-    EXPECT_EQ(ActiveVersionOf("Foo"), step.foo) << step.id << step.isActive;
+  for (const auto& step : ReadTable(steps)) {
+    SetFontActivationState(static_cast<std::uint32_t>(std::stoul(step[0])), step[1] == "1");
+    EXPECT_EQ(ActiveVersionOf("Foo"), std::stoul(step[2])) << step[0] << " " << step[1];
     EXPECT_EQ(ActiveVersionOf("Unknown"), 6u) << "another name";
   }
   for (const std::uint32_t id : {4u, 7u, 8u, 9u}) SetFontActivationState(id, true);

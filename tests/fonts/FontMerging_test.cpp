@@ -5,48 +5,35 @@
 #include "support/FakePlatform.h"
 #include "support/FontRecords.h"
 #include "support/LogCapture.h"
+#include "support/TextTable.h"
 
 using namespace FaceprintSupport;
 
 using Names = std::vector<std::string>;
 
 TEST(FontMerging, ByCompletenessAndValues) {
-  constexpr const char* kMerging =
-      "Merging info from srcFontArray for entry 1 in dstFontArray (for 'Foo').";
-  constexpr const char* kReplacing =
-      "WARNING: replacing entry 1 in dstFontArray (for 'Foo') because srcFontArray has more "
-      "complete info for that font.";
-  constexpr const char* kComplete =
-      "Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more "
-      "complete info for that font.";
-  constexpr const char* kIdentical =
-      "Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical "
-      "info for that font.";
-  const struct {
-    const char* source;
-    const char* destination;
-    const char* expected;
-    const char* log;
-  } rows[] = {{"|b=2", "|a=1", "|a=1|b=2", kMerging},
-              {"|a=X|b=2", "|a=x|c=3|d=4", "|a=x|c=3|d=4|b=2", kMerging},
-              {"|a=X", "|a=x|b=2", "|a=x|b=2", kComplete},
-              {"|a=X", "|a=x", "|a=x", kIdentical},
-              {"|a=1|b=2", "|a=9", "|a=1|b=2", kReplacing},
-              {"|a=1|b=2", "|a=11", "|a=1|b=2", kReplacing},
-              {"|a=1", "|a=9|b=2", "|a=9|b=2", kComplete},
-              {"|a=1", "|a=9", "|a=9", kIdentical},
-              {"|a=1|c=3", "|a=9|b=2", "|a=9|b=2", kIdentical}};
-  for (const auto& row : rows) {
-    const std::string name = "PostScriptName=Foo";
-    const FontRecord old = ReadRecord(name + row.destination);
-    const FontRecord source = ReadRecord(name + row.source);
+  // Source, destination, the destination afterwards, and the line of the log.
+  const char* table = R"(
+    b=2 / a=1 / a=1|b=2 / Merging info from srcFontArray for entry 1 in dstFontArray (for 'Foo').
+    a=X|b=2 / a=x|c=3|d=4 / a=x|c=3|d=4|b=2 / Merging info from srcFontArray for entry 1 in dstFontArray (for 'Foo').
+    a=1|b=2 / a=9  / a=1|b=2 / WARNING: replacing entry 1 in dstFontArray (for 'Foo') because srcFontArray has more complete info for that font.
+    a=1|b=2 / a=11 / a=1|b=2 / WARNING: replacing entry 1 in dstFontArray (for 'Foo') because srcFontArray has more complete info for that font.
+    a=X / a=x|b=2 / a=x|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more complete info for that font.
+    a=1 / a=9|b=2 / a=9|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more complete info for that font.
+    a=X / a=x / a=x / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.
+    a=1 / a=9 / a=9 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.
+    a=1|c=3 / a=9|b=2 / a=9|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.)";
+  for (const auto& row : ReadTable(table)) {
+    const std::string name = "PostScriptName=Foo|";
+    const FontRecord source = ReadRecord(name + row[0]);
+    const FontRecord old = ReadRecord(name + row[1]);
     const FontRecordArray destination = MakeFonts({MakeNamed("Bar"), old});
     LogCapture log;
     MergeFontsIntoFontsArray(MakeFonts({source}), destination);
-    EXPECT_EQ(WriteRecord(destination->DictionaryAt(1)), name + row.expected);
-    EXPECT_EQ(log.lines, Names{row.log + std::string("\n")});
-    EXPECT_EQ(WriteRecord(old), name + row.destination) << "changed in place";
-    EXPECT_EQ(WriteRecord(source), name + row.source) << "changed in place";
+    EXPECT_EQ(WriteRecord(destination->DictionaryAt(1)), name + row[2]);
+    EXPECT_EQ(log.lines, Names{row[3] + "\n"});
+    EXPECT_EQ(WriteRecord(source) + WriteRecord(old), name + row[0] + name + row[1])
+        << "changed in place";
     EXPECT_EQ(destination->Count(), 2u);
   }
 }

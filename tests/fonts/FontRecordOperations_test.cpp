@@ -136,15 +136,3 @@ TEST(FontRecordOperations, SlugTextAndArrays) {
   EXPECT_EQ(NamesOf(matches), std::vector<std::string>{"M"});
   EXPECT_EQ(matches->DictionaryAt(0), match);
 }
-
-TEST(FontRecordOperations, AnyKeyTellsOfFaceprintOrXMPData) {
-  const char* table = R"(FontKind / 1 / 0;  Family / 1 / 0;  Foundry / 1 / 0;  Version / 1 / 0
-    PrinterFont / 1 / 0;  Faceprint_1.2_Checksum / 1 / 0;  Checksum / 1 / 0;  KerningChecksum / 1 / 0
-    OutlineFileSize / 1 / 0;  PostScriptName / 0 / 0;  OutlineFileName / 0 / 0
-    AdobeXMPFontData_Family / 0 / 1;  AdobeXMPFontData_Type / 0 / 1;  AdobeXMPFontData_Face / 0 / 0
-    AdobeXMPFontData_VersionString / 0 / 1)";
-  for (const auto& row : ReadTable(table)) {
-    EXPECT_EQ(FontRefContainsFaceprintData(ReadRecord(row[0] + "=")), row[1] == "1") << row[0];
-    EXPECT_EQ(FontRefContainsXMPData(ReadRecord(row[0] + "=")), row[2] == "1") << row[0];
-  }
-}
