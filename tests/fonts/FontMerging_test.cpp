@@ -43,10 +43,10 @@ TEST(FontMerging, AppendsWhatIsNewAndSkipsTheNameless) {
   LogCapture log;
   MergeFontsIntoFontsArray(
       MakeFonts({PropertyList::Value(), MakeFontRecord(), MakeNamed("B"), MakeNamed("B"),
-                 ReadRecord("PostScriptName=A-|FontKind=TrueType"), MakeNamed("A-")}),
+                 ReadRecord("PostScriptName=A#1|FontKind=TrueType"), MakeNamed("A1")}),
       destination);
-  // "A-" differs from "A", names the same font and says more: it takes its place.
-  EXPECT_EQ(NamesOf(destination), (Names{"A-", "B"}));
+  // "A#1" names the same font as "A" and says more: it takes its place, and "A1" now finds it.
+  EXPECT_EQ(NamesOf(destination), (Names{"A#1", "B"}));
   EXPECT_TRUE(
       log.Has("WARNING: ignoring entry 1 in srcFontArray because it does not contain a postscript "
               "name."));

@@ -18,14 +18,6 @@ std::string QuestionsTo(const FakeFontManager& manager) {
   return questions;
 }
 
-std::vector<std::uint32_t> IDsOf(const FontRecordArray& fonts) {
-  std::vector<std::uint32_t> ids;
-  for (std::size_t i = 0; i < CountOf(fonts); ++i) {
-    ids.push_back(RecordDatabaseID(fonts->DictionaryAt(i)));
-  }
-  return ids;
-}
-
 class Queries : public testing::Test {
  protected:
   // By PostScript name or, if the source has "Family" only, by that.
@@ -34,6 +26,14 @@ class Queries : public testing::Test {
   }
   int Ask(const std::optional<std::string>& name) {
     return manager->GetFaceprintDataForFontName(name, kPostScriptFontName, nullptr, 11, candidates);
+  }
+  // Of the candidates.
+  std::string IDs() {
+    std::string ids;
+    for (std::size_t i = 0; i < CountOf(candidates); ++i) {
+      ids += RecordString(candidates->DictionaryAt(i), kFP_DatabaseIDKey);
+    }
+    return ids;
   }
   void Reset() {
     manager.reset();
@@ -110,16 +110,16 @@ TEST_F(NameLadder, RefusesBadArgumentsAndLongNames) {
   EXPECT_EQ(QuestionsTo(*manager), "");
   candidates = before;
   EXPECT_EQ(Climb("PostScriptName=" + fits), 0);
-  EXPECT_EQ(IDsOf(candidates), std::vector<std::uint32_t>{1});
+  EXPECT_EQ(IDs(), "1");
 }
 
 TEST_F(NameLadder, BestMatchForTheSourceComesFirst) {
   manager->Add(1, "Name", {{kFP_KindKey, "OpenType"}});
   manager->Add(2, "Name", {{kFP_KindKey, "TrueType"}});
   EXPECT_EQ(Climb("PostScriptName=Name|FontKind=truetype"), 0);
-  EXPECT_EQ(IDsOf(candidates), (std::vector<std::uint32_t>{2, 1}));
+  EXPECT_EQ(IDs(), "21");
   EXPECT_EQ(Climb("PostScriptName=Name"), 0);
-  EXPECT_EQ(IDsOf(candidates), (std::vector<std::uint32_t>{1, 2}));
+  EXPECT_EQ(IDs(), "12");
 }
 
 TEST_F(QueryByName, WritesTheDatabaseStateIntoEachRecord) {
@@ -138,47 +138,26 @@ TEST_F(QueryByName, WritesTheDatabaseStateIntoEachRecord) {
 }
 
 TEST_F(QueryByName, PassesOverWhatItCannotReadAndStopsWhenTheFontManagerHasGone) {
-  // Of three fonts the second one is special: what fails there, or its text.
-  const struct {
-    const char* failing;
-    int code;
-    std::string text;
-    int result;
-    std::vector<std::uint32_t> ids;
-    const char* log;
-  } cases[] = {
-      {"GetNamedFontInfo", -1, "", 0, {1, 3}, ""},
-      {"GetNamedFontInfo", 1000, "", 1000, {1}, ""},
-      {"GetFaceprintInfo",
-       -1,
-       "",
-       0,
-       {1, 3},
-       "...GetFaceprintInfo returned -1 for Name (databaseID 2)."},
-      {"GetFaceprintInfo",
-       1000,
-       "",
-       1000,
-       {1},
-       "...GetFaceprintInfo returned 1000 for Name (databaseID 2)."},
-      {"", 0, "junk", 0, {1, 3}, "...CFPropertyListCreateFromXMLData failed on \"junk\""},
-      {"", 0, "<plist><string>x</string></plist>", 0, {1, 3}, "...CFPropertyListCreateFromXMLData"},
-      {"", 0, "<plist><array/></plist>", 0, {1, 3}, "...CFPropertyListCreateFromXMLData"},
-      {"",
-       0,
-       std::string(65536, 'x'),
-       0,
-       {1, 3},
-       "...GetFaceprintInfo returned 0 but no Faceprint info"}};
-  for (const auto& c : cases) {
+  // Of three fonts the second one is special: what fails there, or its text; the code, the result,
+  // what comes back, and the log.
+  const char* table = R"(
+    GetNamedFontInfo / -1 / 0 / 13 / ;   GetNamedFontInfo / 1000 / 1000 / 1 /
+    GetFaceprintInfo / -1 / 0 / 13 / ...GetFaceprintInfo returned -1 for Name (databaseID 2).
+    GetFaceprintInfo / 1000 / 1000 / 1 / ...GetFaceprintInfo returned 1000 for Name (databaseID 2).
+    junk             / 0 / 0 / 13 / ...CFPropertyListCreateFromXMLData failed on "junk"
+    <array>          / 0 / 0 / 13 / ...CFPropertyListCreateFromXMLData failed on "<plist>
+    huge             / 0 / 0 / 13 / ...GetFaceprintInfo returned 0 but no Faceprint info for Name)";
+  for (const auto& row : ReadTable(table)) {
     Reset();
     for (std::uint32_t id = 1; id <= 3; ++id) manager->Add(id, "Name");
-    manager->fonts[1].slug = c.text;
-    manager->FailAt(c.failing, 2, c.code);
+    if (row[1] != "0") manager->FailAt(row[0], 2, std::stoi(row[1]));
+    if (row[0] == "junk") manager->fonts[1].slug = "junk";
+    if (row[0] == "<array>") manager->fonts[1].slug = "<plist><array/></plist>";
+    if (row[0] == "huge") manager->fonts[1].slug = std::string(65536, 'x');
     LogCapture log;
-    EXPECT_EQ(Ask("Name"), c.result);
-    EXPECT_EQ(IDsOf(candidates), c.ids) << c.failing << c.code << c.text;
-    EXPECT_TRUE(*c.log == 0 || log.HasPart(c.log)) << c.log;
+    EXPECT_EQ(Ask("Name"), std::stoi(row[2]));
+    EXPECT_EQ(IDs(), row[3]) << row[0] << row[1];
+    EXPECT_TRUE(row[4].empty() || log.HasPart(row[4])) << row[4];
     EXPECT_EQ(manager->CountOfCalls("EndGetFaceprintInfo"), 1);
   }
 }
@@ -194,19 +173,22 @@ TEST_F(QueryByName, LeavesOutDisabledRemoteWorkgroups) {
   EXPECT_EQ(Climb("PostScriptName=Name"), 0);
   EXPECT_TRUE(excludedRemote);
   EXPECT_TRUE(log.HasPart("Excluding version with checksum 77 because it's remote"));
-  EXPECT_EQ(IDsOf(candidates), (std::vector<std::uint32_t>{1, 3}));
+  EXPECT_EQ(IDs(), "13");
 }
 
 TEST_F(QueryByName, LeavesTheCallersArrayWhereNothingIsFound) {
   EXPECT_EQ(Ask("Name"), 0);
   EXPECT_EQ(Ask(std::nullopt), -50);
-  manager->Add(1, "Name");
   manager->countOfNamed = -2;
   EXPECT_EQ(Ask("Name"), 0);
-  manager->countOfNamed = 2;  // one more than there are
-  EXPECT_EQ(candidates, before);
+  EXPECT_EQ(manager->CountOfCalls("EndGetFaceprintInfo"), 0);
+  manager->countOfNamed = 1;
   EXPECT_EQ(Ask("Name"), -1);
-  EXPECT_EQ(IDsOf(candidates), std::vector<std::uint32_t>{1});
+  EXPECT_EQ(candidates, before);
+  manager->Add(1, "Name");
+  manager->countOfNamed = 2;  // one more than there are
+  EXPECT_EQ(Ask("Name"), -1);
+  EXPECT_EQ(IDs(), "1");
   candidates = nullptr;
   EXPECT_EQ(Ask("Name"), -50);
 }

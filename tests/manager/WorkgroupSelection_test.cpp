@@ -161,8 +161,11 @@ TEST_F(WorkgroupSelection, NamesAndIDsGoBothWays) {
 
 TEST_F(WorkgroupSelection, IsValidByNameAndAsksForWhatItNeeds) {
   FakeFontManager& fontManager = Make(2);
-  for (const int id : {0, 12, 13, -2}) {
-    EXPECT_EQ(fontManager.IsValidWorkgroupForUser(id), id == 12) << id;
+  fontManager.workgroups["13"] = "Library 1";  // the name of one that is the user's
+  fontManager.workgroups["14"] = "Special";
+  fontManager.specialWorkgroupIDs = {"13", "14"};
+  for (const int id : {0, 12, 13, 14, 15, -2}) {
+    EXPECT_EQ(fontManager.IsValidWorkgroupForUser(id), id == 12 || id == 13) << id;
   }
   fontManager.canActivateFromAll = true;
   EXPECT_TRUE(fontManager.IsValidWorkgroupForUser(-2));

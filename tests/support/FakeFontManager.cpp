@@ -227,6 +227,7 @@ int FakeFontManager::GetAllWorkgroupsForUser(PropertyList::ArrayRef& outWorkgrou
   if (const int code = Call("GetAllWorkgroupsForUser", flags)) return code;
   outWorkgroups = PropertyList::Array::Create();
   for (const auto& [id, name] : workgroups) {
+    if (specialWorkgroupIDs.contains(id) && !includeSpecialWorkgroups) continue;
     const FontRecord workgroup = MakeFontRecord();
     workgroup->Set(kFP_WorkgroupIDKey, id);
     workgroup->Set(kFP_WorkgroupNameKey, name);

@@ -51,6 +51,7 @@ class FakeFontManager : public FontManagerInterface {
 
   std::vector<Font> fonts;
   std::map<std::string, std::string> workgroups;  // ID, name
+  std::set<std::string> specialWorkgroupIDs;      // told only when special ones are asked for
   std::set<std::string> remoteWorkgroupIDs;       // RemoveRemoteFonts takes these out
   std::set<std::uint32_t> refused;                // noncompliant
   std::set<std::uint32_t> unable;                 // can't be activated
