@@ -21,6 +21,9 @@ TEST(FontMerging, ByCompletenessAndValues) {
     a=X / a=x|b=2 / a=x|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more complete info for that font.
     a=1 / a=9|b=2 / a=9|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more complete info for that font.
     a=X / a=x / a=x / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.
+    a=CAFÉ / a=café / a=café / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.
+    a=STRASSE|b=1 / a=straße / a=STRASSE|b=1 / WARNING: replacing entry 1 in dstFontArray (for 'Foo') because srcFontArray has more complete info for that font.
+    a=É|b=1 / a=é / a=é|b=1 / Merging info from srcFontArray for entry 1 in dstFontArray (for 'Foo').
     a=1 / a=9 / a=9 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.
     a=1|c=3 / a=9|b=2 / a=9|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.)";
   for (const auto& row : ReadTable(table)) {

@@ -43,7 +43,8 @@ TEST(FontKinds, MapBothWaysByExtent) {
 }
 
 TEST(FontKinds, FoundryNames) {
-  const char* table = R"(unknown / --;  UNKNOWN / --;  Unknown / --;  adobe / Adobe;  -- / --;  "" /
+  const char* table =
+      R"(unknown / --;  UNKNOWN / --;  Unknown / --;  adobe / Adobe;  émile / Émile;  Émile / Émile;  -- / --;  "" /
     Adobe Systems / Adobe Systems;  the 3d o'hara type-works / The 3D O'hara Type-Works)";
   for (const auto& row : ReadTable(table)) {
     EXPECT_EQ(CreateSorrellineFoundryNameFromKestraneFoundryName(row[0]), row[1]);

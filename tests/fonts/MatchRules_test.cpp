@@ -31,7 +31,8 @@ TEST(IsPerfectMatch, EachKeyCounts) {
     / =0b / 1 / 1;       =0b /  / 0 / 0;       /  / 1 / 1;                =0b / = / 1 / 1
     = / =0b / 1 / 1;     "=  " / =0b / 1 / 1;  =0b / "=   " / 1 / 1;      =0b / "= 0B " / 1 / 1
     =7b / =7c / 0 / 1;   =7b / =8b / 0 / 0;    =7b / =7bb / 0 / 1;        =0b / =5 / 0 / 1
-    =5 / =0b / 0 / 1;    =5 / =4294967301 / 0 / 1;                        =-1 / =4294967295 / 0 / 1)");
+    =5 / =0b / 0 / 1;    =5 / =4294967301 / 0 / 1;                        =-1 / =4294967295 / 0 / 1
+    =CAFÉ / =café / 1 / 1;  =STRASSE / =straße / 0 / 1)");
   for (const std::string key : kKeys) {
     const bool isChecksum = key.find("hecksum") != std::string::npos;
     for (const auto& row : rows) {
@@ -86,6 +87,7 @@ TEST(IsXMPMatch, TypesVersionsAndNames) {
  Type=PostScript / FontKind=postscript / 1;        Type=PostScript / FontKind=PostScript - MM / 0
  Type=Type 4 / FontKind=Postscript / 0;            VersionString / Version= / 0
         / Version / 0;      / Version= / 1;        / Version=core / 0;  / Version=version / 0
+ Family=CAFÉ / Family=café / 0;  Family=CAFÉ / Family=cafÉ / 1
  VersionString=1.5 / / 1;   VersionString=x 1.5 y / / 1)";
   for (const auto& row : ReadTable(table)) {
     std::string source = "PostScriptName=Foo";
@@ -105,9 +107,13 @@ TEST(IsXMPMatch, TypesVersionsAndNames) {
 }
 
 TEST(SmallTests, LengthsAndNumbers) {
-  const FontRecord record = ReadRecord("FontKind=OpenType - PS|Checksum=x|Version=0");
+  const FontRecord record =
+      ReadRecord("FontKind=OpenType - PS|Checksum=x|Version=0|Family=Le CAFÉ");
+  EXPECT_TRUE(KeyValueIs(record, kFP_FamilyKey, "le café"));
+  EXPECT_TRUE(KeyValueContains(record, kFP_FamilyKey, "café"));
   EXPECT_FALSE(KeyValueIs(record, kFP_KindKey, "opentype"));
-  EXPECT_FALSE(KeyValueIs(record, kFP_FamilyKey, ""));
+  EXPECT_FALSE(KeyValueIs(ReadRecord("Family=straße"), kFP_FamilyKey, "STRASSE"));
+  EXPECT_FALSE(KeyValueIs(record, kFP_FoundryKey, ""));
   EXPECT_TRUE(KeyValueContains(record, kFP_KindKey, "TYPE - PS"));
   EXPECT_FALSE(KeyValueContains(record, kFP_KindKey, "OpenType - PSx"));
   EXPECT_FALSE(KeyHasNonZeroValue(record, kFP_ChecksumKey));
