@@ -56,8 +56,7 @@ int DeliverToCache(const FontRecord& record) {
   Cache::SetFontActivationState(7, true);
   FontRecord copy;
   std::uint32_t id = 0;
-  const bool found = Cache::CreateCopyOfFaceprintDataForActiveFont("A", copy, id);
-  return found ? 1 : Cache::DeleteAll();
+  return Cache::CreateCopyOfFaceprintDataForActiveFont("A", copy, id) ? 1 : Cache::DeleteAll();
 }
 
 int CountAfterMerging(const FontRecordArray& fonts) {
@@ -85,13 +84,14 @@ int RunThrough(const FontRecordArray& fonts) {
 // The answers, "-" for a negative one, about each bad record: null, empty, a number and a list for
 // a name, three IDs that are none, 128 and 100,000 bytes, a zero byte, no UTF-8, itself within.
 using R = const FontRecord&;
-struct RecordRow {
+template <typename Input>
+struct Row {
   const char* answers;
-  std::function<int(R)> operation;
+  std::function<int(Input)> operation;
 };
 constexpr const char* kName = kFP_PostScriptNameKey;
 constexpr const char* kID = kFP_DatabaseIDKey;
-const RecordRow kRecordRows[] = {
+const Row<R> kRecordRows[] = {
     {"000000000000", [](R r) { return IsPerfectMatch(r, r) || IsXMPMatch(r, r); }},
     {"000000000000", [](R r) { return PickBestMatchCallBack(r, MakeNamed("A"), r); }},
     {"000010000001", [](R r) { return KeyValueIs(r, kName, "A") && !KeyHasNonZeroValue(r, kID); }},
@@ -116,11 +116,7 @@ bool HasName(F fonts, const char* name) {
   EXPECT_EQ(GetFaceprintDictionaryFromArrayWithPostscriptName(fonts, name) != nullptr, found);
   return found;
 }
-struct ArrayRow {
-  const char* answers;
-  std::function<int(F)> operation;
-};
-const ArrayRow kArrayRows[] = {
+const Row<F> kArrayRows[] = {
     {"11111112222111", &CountAfterMerging},
     {"11111111111105", &RunThrough},
     {"00001110000100", [](F f) { return RemoveUnsluggableFaceprintKeys(f); }},
