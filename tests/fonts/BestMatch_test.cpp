@@ -24,7 +24,7 @@ uint32_t EvenOnesAreActive(PluginFacadeInstance, uint32_t count, const uint32_t*
   ++liveQuestions;
   uint32_t code = 0;
   for (uint32_t i = 0; i < count; ++i) {
-    states[i] = ids[i] % 2 == 0 ? 1 : 0;
+    states[i] = ids[i] % 2 == 0 && ids[i] != 0 ? 1 : 0;
     if (ids[i] == 9) code = 1;
   }
   return code;
