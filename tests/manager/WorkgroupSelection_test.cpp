@@ -13,7 +13,7 @@ class WorkgroupSelection : public testing::Test {
  protected:
   int Selected() { return static_cast<int>(world.tarn.longPreferences[kCurrentWorkgroupPrefKey]); }
   void Select(long id) { world.tarn.longPreferences[kCurrentWorkgroupPrefKey] = id; }
-  // Puts one in place, with the workgroups 11, 12 and so on. `not` names what does not hold.
+  // Puts one in place, with the workgroups 11, 12 and so on. `without` names what does not hold.
   FakeFontManager& Make(int workgroupCount, const std::string& without = "all") {
     manager.reset();
     manager = std::make_unique<FakeFontManager>();
@@ -41,14 +41,22 @@ class WorkgroupSelection : public testing::Test {
     for (const std::string& title : world.tarn.TakeTitles()) state += " " + title;
     return state;
   }
+  // Number of workgroups, the selected one, what does not hold, and the state afterwards.
+  void ExpectStates(void (FMI::*operation)(), const char* table) {
+    for (const auto& row : ReadTable(table)) {
+      FakeFontManager& fontManager = Make(std::stoi(row[0]), row[2]);
+      Select(std::stol(row[1]));
+      (fontManager.*operation)();
+      EXPECT_EQ(State(), row[3]) << row[0] << " " << row[1] << " without " << row[2];
+    }
+  }
 
   PluginWorld world;
   std::unique_ptr<FakeFontManager> manager;
 };
 
 TEST_F(WorkgroupSelection, ChoosesByRule) {
-  // Number of workgroups, the selected one, what does not hold, and the state afterwards.
-  const char* table = R"(
+  ExpectStates(&FMI::HandleSelectWorkgroup, R"(
     2 / 12 / valid / 12 valid workgroups;               2 / 99 / valid / -2 valid workgroups
     2 / 12 / valid workgroups / 12 valid workgroups;    2 / 0 / valid / -2 valid workgroups
     2 / 99 / all valid / 11 valid workgroups;           1 / 0 / all valid standalone / 11 valid workgroups
@@ -56,13 +64,7 @@ TEST_F(WorkgroupSelection, ChoosesByRule) {
     0 / 12 / all / 0 valid workgroups;                  0 / 12 / valid / 0 workgroups
     0 / 12 / all standalone / 0 NoWorkgroupsHeader;     0 / 12 / valid standalone / 0
     2 / 12 / loading standalone / 0 NoWorkgroupsHeader; 2 / 12 / loading valid / 0 workgroups
-    2 / 99 / connected valid / 99 workgroups)";
-  for (const auto& row : ReadTable(table)) {
-    FakeFontManager& fontManager = Make(std::stoi(row[0]), row[2]);
-    Select(std::stol(row[1]));
-    fontManager.HandleSelectWorkgroup();
-    EXPECT_EQ(State(), row[3]) << row[0] << " " << row[1] << " without " << row[2];
-  }
+    2 / 99 / connected valid / 99 workgroups)");
 }
 
 // The message of an empty list runs the host's loop, from which a selection may be asked for again.
@@ -87,19 +89,12 @@ TEST_F(WorkgroupSelection, DoesNotStartWithinItself) {
 }
 
 TEST_F(WorkgroupSelection, TheDefaultIsInitialised) {
-  // Number of workgroups, the selected one, what does not hold, and the state afterwards.
-  const char* table = R"(
+  ExpectStates(&FMI::InitializeDefaultWorkgroup, R"(
     2 / 12 / all valid / 12 valid workgroups;   2 / 12 / all valid workgroups / 12
     2 / 12 / all workgroups / 12 valid;         0 / -2 / valid / -2 valid workgroups
     2 / 99 / valid / -2 valid workgroups;       1 / 99 / all valid / 11 valid workgroups
     2 / 99 / all / 99 workgroups;               0 / -2 / all / -2 workgroups
-    1 / 99 / all loading / 99 workgroups;       1 / 99 / all valid running / 99 workgroups)";
-  for (const auto& row : ReadTable(table)) {
-    FakeFontManager& fontManager = Make(std::stoi(row[0]), row[2]);
-    Select(std::stol(row[1]));
-    fontManager.InitializeDefaultWorkgroup();
-    EXPECT_EQ(State(), row[3]) << row[0] << " " << row[1] << " without " << row[2];
-  }
+    1 / 99 / all loading / 99 workgroups;       1 / 99 / all valid running / 99 workgroups)");
 }
 
 TEST_F(WorkgroupSelection, IsCheckedAndReadyOnlyWhereThePluginWorks) {
