@@ -2,54 +2,42 @@
 
 #include <gtest/gtest.h>
 
-#include "fonts/FontDataCache.h"
 #include "support/FakePlatform.h"
 #include "support/FontRecords.h"
 #include "support/LogCapture.h"
+#include "support/TextTable.h"
 
 using namespace FaceprintSupport;
 
+using Names = std::vector<std::string>;
+
 TEST(FontMerging, ByCompletenessAndValues) {
-  struct Row {
-    FontRecord source;
-    FontRecord destination;
-    FontRecord expected;
-    const char* log;
-  };
-  const auto foo = [](std::initializer_list<std::pair<const char*, const char*>> entries) {
-    FontRecord record = MakeNamed("Foo");
-    for (const auto& [key, value] : entries) record->Set(key, value);
-    return record;
-  };
-  const Row rows[] = {
-      {foo({{"b", "2"}}), foo({{"a", "1"}}), foo({{"a", "1"}, {"b", "2"}}),
-       "Merging info from srcFontArray for entry 0 in dstFontArray (for 'Foo')."},
-      {foo({{"a", "X"}}), foo({{"a", "x"}, {"b", "2"}}), foo({{"a", "x"}, {"b", "2"}}),
-       "Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more "
-       "complete "
-       "info for that font."},
-      {foo({{"a", "X"}}), foo({{"a", "x"}}), foo({{"a", "x"}}),
-       "Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical "
-       "info for that font."},
-      {foo({{"a", "1"}, {"b", "2"}}), foo({{"a", "9"}}), foo({{"a", "1"}, {"b", "2"}}),
-       "WARNING: replacing entry 0 in dstFontArray (for 'Foo') because srcFontArray has more "
-       "complete info for that font."},
-      {foo({{"a", "1"}}), foo({{"a", "9"}, {"b", "2"}}), foo({{"a", "9"}, {"b", "2"}}),
-       "Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more "
-       "complete "
-       "info for that font."},
-      {foo({{"a", "1"}}), foo({{"a", "9"}}), foo({{"a", "9"}}),
-       "Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical "
-       "info for that font."}};
-  for (const Row& row : rows) {
-    const FontRecordArray destination = MakeFonts({row.destination});
-    const FontRecord before = row.destination->Copy();
+  // Source, destination, the destination afterwards, and the line of the log.
+  const char* table = R"(
+    b=2 / a=1 / a=1|b=2 / Merging info from srcFontArray for entry 1 in dstFontArray (for 'Foo').
+    a=X|b=2 / a=x|c=3|d=4 / a=x|c=3|d=4|b=2 / Merging info from srcFontArray for entry 1 in dstFontArray (for 'Foo').
+    a=1|b=2 / a=9  / a=1|b=2 / WARNING: replacing entry 1 in dstFontArray (for 'Foo') because srcFontArray has more complete info for that font.
+    a=1|b=2 / a=11 / a=1|b=2 / WARNING: replacing entry 1 in dstFontArray (for 'Foo') because srcFontArray has more complete info for that font.
+    a=X / a=x|b=2 / a=x|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more complete info for that font.
+    a=1 / a=9|b=2 / a=9|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has more complete info for that font.
+    a=X / a=x / a=x / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.
+    a=CAFÉ / a=café / a=café / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.
+    a=STRASSE|b=1 / a=straße / a=STRASSE|b=1 / WARNING: replacing entry 1 in dstFontArray (for 'Foo') because srcFontArray has more complete info for that font.
+    a=É|b=1 / a=é / a=é|b=1 / Merging info from srcFontArray for entry 1 in dstFontArray (for 'Foo').
+    a=1 / a=9 / a=9 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.
+    a=1|c=3 / a=9|b=2 / a=9|b=2 / Ignoring entry 0 in srcFontArray (for 'Foo') because dstFontArray already has identical info for that font.)";
+  for (const auto& row : ReadTable(table)) {
+    const std::string name = "PostScriptName=Foo|";
+    const FontRecord source = ReadRecord(name + row[0]);
+    const FontRecord old = ReadRecord(name + row[1]);
+    const FontRecordArray destination = MakeFonts({MakeNamed("Bar"), old});
     LogCapture log;
-    MergeFontsIntoFontsArray(MakeFonts({row.source}), destination);
-    ASSERT_EQ(destination->Count(), 1u);
-    EXPECT_TRUE(destination->At(0).Equals(row.expected)) << row.log;
-    EXPECT_TRUE(PropertyList::Value(row.destination).Equals(before)) << "changed in place";
-    EXPECT_TRUE(log.Has(row.log)) << row.log;
+    MergeFontsIntoFontsArray(MakeFonts({source}), destination);
+    EXPECT_EQ(WriteRecord(destination->DictionaryAt(1)), name + row[2]);
+    EXPECT_EQ(log.lines, Names{row[3] + "\n"});
+    EXPECT_EQ(WriteRecord(source) + WriteRecord(old), name + row[0] + name + row[1])
+        << "changed in place";
+    EXPECT_EQ(destination->Count(), 2u);
   }
 }
 
@@ -58,19 +46,16 @@ TEST(FontMerging, AppendsWhatIsNewAndSkipsTheNameless) {
   LogCapture log;
   MergeFontsIntoFontsArray(
       MakeFonts({PropertyList::Value(), MakeFontRecord(), MakeNamed("B"), MakeNamed("B"),
-                 MakeRecord({{kFP_PostScriptNameKey, "A-"}, {kFP_KindKey, "TrueType"}}),
-                 MakeNamed("A-")}),
+                 ReadRecord("PostScriptName=A#1|FontKind=TrueType"), MakeNamed("A1")}),
       destination);
-  // "A-" differs from "A", names the same font and says more: it takes its place.
-  EXPECT_EQ(NamesOf(destination), (std::vector<std::string>{"A-", "B"}));
+  // "A#1" names the same font as "A" and says more: it takes its place, and "A1" now finds it.
+  EXPECT_EQ(NamesOf(destination), (Names{"A#1", "B"}));
   EXPECT_TRUE(
-      log.Has("WARNING: ignoring entry 1 in srcFontArray because it does not contain a "
+      log.Has("WARNING: ignoring entry 1 in srcFontArray because it does not contain a postscript "
+              "name."));
+  EXPECT_TRUE(
+      log.Has("Appending entry 2 in srcFontArray (for 'B') because dstFontArray has no such "
               "postscript name."));
-  EXPECT_TRUE(
-      log.Has("Appending entry 2 in srcFontArray (for 'B') because dstFontArray has no "
-              "such postscript name."));
-  MergeFontsIntoFontsArray(nullptr, destination);
-  MergeFontsIntoFontsArray(destination, nullptr);
   MergeFontsIntoFontsArray(destination, destination);
   EXPECT_EQ(destination->Count(), 2u);
 }
@@ -79,102 +64,47 @@ TEST(FontMerging, OneRecordByNumberOfKeys) {
   const FontRecordArray fonts = MakeFonts({MakeNamed("A"), MakeNamed("B")});
   EXPECT_EQ(MergeFaceprintDictionaryIntoArray(fonts, MakeNamed("C")), 2);
   EXPECT_EQ(MergeFaceprintDictionaryIntoArray(fonts, MakeFontRecord()), 3);
-  EXPECT_EQ(MergeFaceprintDictionaryIntoArray(fonts, nullptr), -50);
-  const FontRecord longer = MakeRecord({{kFP_PostScriptNameKey, "B"}, {kFP_KindKey, "x"}});
+  const FontRecord longer = ReadRecord("PostScriptName=B|FontKind=x");
   EXPECT_EQ(MergeFaceprintDictionaryIntoArray(fonts, longer), 1);
-  EXPECT_EQ(MergeFaceprintDictionaryIntoArray(fonts, MakeNamed("B")), 1);
+  EXPECT_EQ(MergeFaceprintDictionaryIntoArray(fonts, ReadRecord("PostScriptName=B|a=1")), 1);
   EXPECT_EQ(fonts->DictionaryAt(1), longer);
+  EXPECT_EQ(NamesOf(fonts), (Names{"A", "B", "C", ""}));
 }
 
 TEST(FontMerging, CountsAndLists) {
   FakePlatform platform;
   platform.fonts.visible.insert("Family");
-  const auto matched = [](const char* isActive) {
-    return MakeRecord(
-        {{kFP_PostScriptNameKey, "M"},
-         {kFP_MatchedFontKey,
-          MakeRecord({{kFP_IsActiveKey, isActive}, {kFP_AssignedFamilyGroupNameKey, "Family"}})}});
+  const auto matched = [](const char* match) {
+    return MakeRecord({{kFP_MatchedFontKey, ReadRecord(match)}});
   };
   const FontRecord choice =
       MakeRecord({{kFP_PossibleReplacementsKey, MakeFonts({MakeNamed("X")})}});
   const FontRecordArray fonts =
-      MakeFonts({matched("1"), matched("0"), PropertyList::Value(), choice,
+      MakeFonts({matched("IsActive=1"), matched("IsActive=0|AssignedFamilyName=Family"),
+                 PropertyList::Value(), choice,
                  MakeRecord({{kFP_PossibleReplacementsKey, MakeFontRecordArray()}})});
   EXPECT_EQ(CountActiveFonts(fonts), 1);
+  EXPECT_EQ(platform.fonts.questions, Names{"Family"});  // its answer doesn't count
   EXPECT_EQ(CountMissingFonts(fonts), 3);
-  EXPECT_EQ(CountMissingFonts(nullptr), 0);
 
   const FontRecordArray resolved = MakeFontRecordArray();
   EXPECT_FALSE(AllFontsResolved(fonts, resolved));
-  EXPECT_EQ(resolved->Count(), 2u);
-  EXPECT_TRUE(AllFontsResolved(MakeFonts({PropertyList::Value(), matched("0")}), resolved));
-  EXPECT_TRUE(AllFontsResolved(MakeFontRecordArray(), nullptr));
+  EXPECT_EQ(resolved->Values().size(), 2u);
+  EXPECT_EQ(resolved->DictionaryAt(1), fonts->DictionaryAt(1));
+  EXPECT_TRUE(AllFontsResolved(resolved, nullptr));
+  EXPECT_TRUE(AllFontsResolved(MakeFontRecordArray(), resolved));
 }
 
 TEST(FontMerging, SlugsForDocumentFontsAndTrimming) {
-  const FontRecord slug = MakeRecord({{kFP_PostScriptNameKey, "B"}, {kFP_KindKey, "x"}});
+  const FontRecord slug = ReadRecord("PostScriptName=B|FontKind=x");
   const FontRecordArray merged = CreateFaceprintSlugsWithFaceprintFontsAndDocumentFonts(
       MakeFonts({MakeNamed("Z"), slug}),
       MakeFonts({MakeNamed("A"), MakeFontRecord(), MakeNamed("B")}));
-  EXPECT_EQ(NamesOf(merged), (std::vector<std::string>{"A", "B"}));
+  EXPECT_EQ(NamesOf(merged), (Names{"A", "B"}));
   EXPECT_EQ(merged->DictionaryAt(1), slug);
-  EXPECT_FALSE(CreateFaceprintSlugsWithFaceprintFontsAndDocumentFonts(nullptr, merged));
 
-  const FontRecordArray trimmed = MakeFonts({MakeNamed("A"), MakeFontRecord(), MakeNamed("C")});
-  EXPECT_EQ(RemoveUniqueFontsFromFontArray(trimmed, merged), 1);
-  EXPECT_EQ(NamesOf(trimmed), (std::vector<std::string>{"A", ""}));
-}
-
-namespace {
-
-void Deliver(std::uint32_t id, const char* name, const char* state) {
-  FontManagerInterface::FontOrSetInfoRec rec;
-  rec.databaseID = id;
-  rec.activationState = static_cast<std::uint16_t>(std::stoi(state));
-  rec.info = MakeRecord({{kFP_PostScriptNameKey, name}, {kFP_ActivationStateKey, state}});
-  FontDataPreviouslyGottenFromDatabase::Add(id, rec);
-}
-
-// The ID of the hit, 0 for none.
-std::uint32_t ActiveVersionOf(const char* name) {
-  FontRecord record;
-  std::uint32_t id = 0;
-  FontDataPreviouslyGottenFromDatabase::CreateCopyOfFaceprintDataForActiveFont(name, record, id);
-  return id;
-}
-
-}  // namespace
-
-TEST(FontDataCache, BothViewsHaveToAgree) {
-  using namespace FontDataPreviouslyGottenFromDatabase;
-  Deliver(5, "Foo", "2");
-  Deliver(3, "Foo", "3");
-  Deliver(3, "Late", "2");  // the first delivery stands
-  Deliver(4, "Bar", "1");
-  EXPECT_EQ(ActiveVersionOf("Foo"), 3u);
-  EXPECT_EQ(ActiveVersionOf("foo"), 0u);
-  EXPECT_EQ(ActiveVersionOf("Late"), 0u);
-
-  SetFontActivationState(4, true);  // delivered inactive: never a hit
-  EXPECT_EQ(ActiveVersionOf("Bar"), 0u);
-  SetFontActivationState(5, true);  // is active already: nothing happens
-  EXPECT_EQ(ActiveVersionOf("Foo"), 3u);
-  SetFontActivationState(5, false);
-  SetFontActivationState(5, true);  // now the other version goes off
-  EXPECT_EQ(ActiveVersionOf("Foo"), 5u);
-  SetFontActivationState(5, false);
-  EXPECT_EQ(ActiveVersionOf("Foo"), 0u);
-
-  LogCapture log;
-  SetFontActivationState(99, false);
-  EXPECT_TRUE(
-      log.Has("SetFontActivationState() failing to record transition to activation state 1 "
-              "because font with databaseID 99 not in "
-              "FontDataPreviouslyGottenFromDatabase."));
-  EXPECT_EQ(DeleteAll(), 0);
-  EXPECT_TRUE(
-      log.Has("FontDataPreviouslyGottenFromDatabase::DeleteAll() removing 4 ('Bar') from "
-              "cache."));
-  SetFontActivationState(5, true);
-  EXPECT_EQ(ActiveVersionOf("Foo"), 0u);
+  const FontRecordArray trimmed =
+      MakeFonts({MakeNamed("C"), MakeNamed("A"), MakeFontRecord(), MakeNamed("D")});
+  EXPECT_EQ(RemoveUniqueFontsFromFontArray(trimmed, merged), 2);
+  EXPECT_EQ(NamesOf(trimmed), (Names{"A", ""}));
 }

@@ -6,50 +6,29 @@
 
 #include "fonts/FontNameIndex.h"
 #include "support/FontRecords.h"
+#include "support/TextTable.h"
 
 using namespace FaceprintSupport;
 
 TEST(FontNames, NormalForms) {
-  struct Row {
-    const char* name;
-    const char* plain;
-    const char* strict;
-  };
-  const Row rows[] = {{"Foo#12Bar-Bold-Extra", "Foo12BarBoldExtra", "FooBarBold"},
-                      {"Foo Bar_1", "FooBar1", "FooBar1"},
-                      {"#12", "12", ""},
-                      {"--A", "A", ""},
-                      {"A#x1", "Ax1", "Ax1"},
-                      {"\xC3\xA9"
-                       "a",
-                       "a", "a"},
-                      {"...", "", ""}};
-  for (const Row& row : rows) {
-    EXPECT_EQ(GFontToolUtils_StripCharsAndNormalizeString(row.name, false), row.plain);
-    EXPECT_EQ(StripIllegalPostScriptCharacters(row.name), row.strict);
+  const char* table = R"(
+    Foo#12Bar-Bold-Extra / Foo12BarBoldExtra / FooBarBold;  Foo Bar_1 / FooBar1 / FooBar1
+    #12 / 12 / ;  --A / A / ;  A#x1 / Ax1 / Ax1;  éa / a / a;  ... / / ;  a-#1-#2b / a12b / a)";
+  for (const auto& row : ReadTable(table)) {
+    EXPECT_EQ(GFontToolUtils_StripCharsAndNormalizeString(row[0], false), row[1]);
+    EXPECT_EQ(StripIllegalPostScriptCharacters(row[0]), row[2]);
   }
 }
 
 TEST(FontNames, CruftComesOff) {
-  const std::pair<const char*, const char*> rows[] = {{"ABCDEF+Helvetica", "Helvetica"},
-                                                      {"+Foo", "Foo"},
-                                                      {" Foo", "Foo"},
-                                                      {"+", ""},
-                                                      {"A-", "A"},
-                                                      {"Name-Bold_123", "Name-Bold"},
-                                                      {"Name-Bold", "Name"},
-                                                      {"Foo(1)", "Foo(1"},
-                                                      {"A-B+C", "A"},
-                                                      {"A+", ""},
-                                                      {"(A", nullptr},
-                                                      {"-A", nullptr},
-                                                      {"Helvetica", nullptr},
-                                                      {"", nullptr}};
-  for (const auto& [name, shorter] : rows) {
-    char buffer[32] = "untouched";
-    EXPECT_EQ(PSNameMightHaveCruftAppended(name, sizeof buffer, buffer), shorter != nullptr)
-        << name;
-    EXPECT_STREQ(buffer, shorter != nullptr ? shorter : "untouched") << name;
+  const char* table = R"(
+    ABCDEF+Helvetica / Helvetica;  +Foo / Foo;  " Foo" / Foo;  + / ;  A- / A;  A+ / ;  A_B+C / A
+    Name-Bold_123 / Name-Bold;  Name-Bold / Name;  Foo(1) / Foo(1;  Foo(1 / Foo;  A-B+C / A;  A B+C / A
+    (A / no;  -A / no;  Helvetica / no;  A+B+C / B+C;  "A " / A;  "" / no)";
+  for (const auto& row : ReadTable(table)) {
+    char buffer[32] = "no";
+    EXPECT_EQ(PSNameMightHaveCruftAppended(row[0].c_str(), sizeof buffer, buffer), row[1] != "no");
+    EXPECT_EQ(buffer, row[1]) << row[0];
   }
   char shared[] = "ABCDEF+Name-Bold";
   EXPECT_TRUE(PSNameMightHaveCruftAppended(shared, sizeof shared, shared));
@@ -62,40 +41,31 @@ TEST(FontNames, CruftComesOff) {
 }
 
 TEST(FontNames, MultipleMasterInstancesReduceToTheirBase) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"MinionMM_367_wt", "MinionMM"},
-      {"MinionMM-Regular_367", "MinionMM-Regular"},
-      {"AMM-x", nullptr},
-      {"MM_", nullptr},
-      {"MM", nullptr},
-      {"Minion_367", nullptr},
-      {"MM_a_", "MM"},
-      {"MM-a_", nullptr}};  // the last two characters are not looked at
-  for (const auto& [name, base] : rows) {
-    const std::optional<std::string> resolved = CreateResolvedMMFontName(std::string(name));
-    EXPECT_EQ(resolved.value_or("-"), base != nullptr ? base : "-") << name;
+  // The last two characters are not looked at.
+  const char* table = R"(
+    MinionMM_367_wt / MinionMM;  MinionMM-Regular_367 / MinionMM-Regular;  MM_a_ / MM;  MM-a_xx / MM-a
+    AMM-x / no;  MM_ / no;  MM / no;  Minion_367 / no;  MM-a_ / no;  M_MM-_12 / M_MM-)";
+  for (const auto& row : ReadTable(table)) {
+    EXPECT_EQ(CreateResolvedMMFontName(row[0]).value_or("no"), row[1]) << row[0];
+    const FontRecord record = MakeNamed(row[0].c_str());
+    ResolveDictionaryMMFontName(record);
+    EXPECT_EQ(RecordString(record, kFP_PostScriptNameKey), row[row[1] == "no" ? 0 : 1]);
   }
   EXPECT_FALSE(CreateResolvedMMFontName(std::nullopt));
-  const FontRecord record = MakeNamed("MinionMM_367_wt");
-  ResolveDictionaryMMFontName(record);
-  ResolveDictionaryMMFontName(record);
-  EXPECT_EQ(RecordString(record, kFP_PostScriptNameKey), "MinionMM");
 }
 
 TEST(FontNames, ExactNamesBeatFuzzyOnes) {
   const FontRecordArray fonts =
       MakeFonts({MakeNamed("Foo#1Bar"), PropertyList::Value(), MakeFontRecord(),
                  MakeNamed("Foo-Bar"), MakeNamed("FooBar"), MakeNamed("foobar")});
-  const std::pair<const char*, int> rows[] = {{"FooBar", 4},   {"Foo Bar", 3}, {"Foo#2Bar", 0},
-                                              {"Foo#1Bar", 0}, {"foobar", 5},  {"FOOBAR", -1},
-                                              {"Foo1Bar", 0}};
-  for (const auto& [name, expected] : rows) {
+  const char* table = R"(FooBar / 4;  Foo Bar / 3;  Foo#2Bar / 0;  Foo#1Bar / 0;  foobar / 5
+                         FOOBAR / 99;  Foo1Bar / 0)";
+  for (const auto& row : ReadTable(table)) {
     std::size_t index = 99;
-    EXPECT_EQ(DoesArrayContainFontWithPostScriptName(fonts, name, &index), expected >= 0) << name;
-    EXPECT_EQ(index, expected >= 0 ? static_cast<std::size_t>(expected) : 99u) << name;
+    EXPECT_EQ(DoesArrayContainFontWithPostScriptName(fonts, row[0].c_str(), &index),
+              row[1] != "99");
+    EXPECT_EQ(index, std::stoul(row[1])) << row[0];
   }
-  EXPECT_FALSE(DoesArrayContainFontWithPostScriptName(nullptr, "A"));
-  EXPECT_FALSE(DoesArrayContainFontWithPostScriptName(fonts, nullptr));
 }
 
 // The index against the plain three passes, on names that are often nearly equal.
@@ -124,21 +94,27 @@ TEST(FontNames, TheIndexAnswersAsTheThreePasses) {
 }
 
 TEST(FontNames, LookUpsByIDAndByMultipleMasterBase) {
-  const FontRecordArray fonts = MakeFonts(
-      {PropertyList::Value("text"), MakeRecord({{kFP_DatabaseIDKey, "5"}}),
-       MakeRecord({{kFP_PostScriptNameKey, "MinionMM"}, {kFP_KindKey, "PostScript - MM"}}),
-       MakeRecord({{kFP_PostScriptNameKey, "Foo"}, {kFP_KindKey, "TrueType"}}),
-       MakeRecord({{kFP_PostScriptNameKey, "MinionMM_1"}, {kFP_DatabaseIDKey, "5"}})});
+  const FontRecordArray fonts =
+      MakeFonts({"text", ReadRecord("DatabaseID=5"),
+                 ReadRecord("PostScriptName=MinionMM|FontKind=PostScript - MM"),
+                 ReadRecord("PostScriptName=Foo|FontKind=TrueType"),
+                 ReadRecord("PostScriptName=MinionMM_1|DatabaseID=5"),
+                 ReadRecord("PostScriptName=Bar|FontKind=PostScript - Multiple Master"),
+                 ReadRecord("DatabaseID=0")});
   std::size_t index = 99;
   EXPECT_TRUE(DoesArrayContainFontWithDatabaseID(fonts, 5, &index));
   EXPECT_EQ(index, 1u);
   EXPECT_FALSE(DoesArrayContainFontWithDatabaseID(fonts, 0));
-  const auto find = [&fonts](const char* name) {
-    return GetFaceprintDictionaryFromArrayWithPostscriptName(fonts, name);
-  };
-  EXPECT_EQ(find("MinionMM_1"), fonts->DictionaryAt(2));  // the base comes first in the array
-  EXPECT_EQ(find("Foo"), fonts->DictionaryAt(3));
-  EXPECT_FALSE(find("Foo_1"));
-  EXPECT_FALSE(find("MinionMMx"));
-  EXPECT_FALSE(find("minionMM"));
+  EXPECT_FALSE(DoesArrayContainFontWithDatabaseID(fonts, 6));
+  // The base of an instance comes before the instance itself in the array.
+  const char* table =
+      R"(MinionMM_1 / 2;  MinionMM / 2;  Foo / 3;  Bar_ / 5;  Foo_1 / 99;  MinionMMx / 99
+                         minionMM / 99;  xMinionMM_1 / 99)";
+  for (const auto& row : ReadTable(table)) {
+    index = 99;
+    const FontRecord found =
+        GetFaceprintDictionaryFromArrayWithPostscriptName(fonts, row[0].c_str(), &index);
+    EXPECT_EQ(index, std::stoul(row[1])) << row[0];
+    EXPECT_EQ(found, fonts->DictionaryAt(index));
+  }
 }

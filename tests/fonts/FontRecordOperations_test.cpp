@@ -6,110 +6,98 @@
 #include "support/FakeFontManager.h"
 #include "support/FontRecords.h"
 #include "support/LogCapture.h"
+#include "support/TextTable.h"
 
 using namespace FaceprintSupport;
 
 TEST(FontKinds, MapBothWaysByExtent) {
-  struct Row {
-    const char* older;
-    const char* present;
-    const char* atPSPairOnly;
-  };
-  const Row toPresent[] = {{"PS Pair", "Postscript", "Postscript"},
-                           {"ps pair", "Postscript", "Postscript"},
-                           {"PS MM", "PostScript - MM", "PS MM"},
-                           {"OpenType (TT)", "OpenType - TT", "OpenType (TT)"},
-                           {"OpenType (PS)", "OpenType - PS", "OpenType (PS)"},
-                           {"DFont", "TrueType", "DFont"},
-                           {"TrueType", "TrueType", "TrueType"},
-                           {"", "", ""}};
-  for (const Row& row : toPresent) {
-    EXPECT_EQ(MapSorrellineFontTypeToKestraneFontType(std::string(row.older), 0), row.present);
-    EXPECT_EQ(MapSorrellineFontTypeToKestraneFontType(std::string(row.older), 2), row.atPSPairOnly);
+  // A kind, and what it becomes of all names and of pairs only.
+  const char* toPresent = R"(
+    PS Pair / Postscript / Postscript;              ps pair / Postscript / Postscript
+    PS MM / PostScript - MM / PS MM;                OpenType (TT) / OpenType - TT / OpenType (TT)
+    OpenType (PS) / OpenType - PS / OpenType (PS);  DFont / TrueType / DFont
+    TrueType / TrueType / TrueType;                 PS Pairs / PS Pairs / PS Pairs)";
+  for (const auto& row : ReadTable(toPresent)) {
+    for (const int extent : {0, 1, 2}) {
+      const std::string expected = row[extent == kMapAllNames ? 1 : 2];
+      const FontRecord record = ReadRecord("FontKind=" + row[0] + "|Foundry=Unknown");
+      LogCapture log;
+      EXPECT_EQ(MapSorrellineFontTypeToKestraneFontType(row[0], extent), expected);
+      EXPECT_EQ(log.Has("MapSorrellineFontTypeToKestraneFontType mapping '" + row[0] + "' to '" +
+                        expected + "'"),
+                row[0] != expected);
+      EXPECT_EQ(MapSorrellineFontTypeToKestraneFontType(record, extent), row[0] != expected);
+      MapSorrellineNamesToKestraneNames(MakeFonts({PropertyList::Value(), record}), extent);
+      EXPECT_EQ(WriteRecord(record),
+                "FontKind=" + expected + "|Foundry=" + (extent == 0 ? "--" : "Unknown"));
+    }
   }
-  const Row toOlder[] = {{"Postscript", "PS Pair", "PS Pair"},
-                         {"POSTSCRIPT", "PS Pair", "PS Pair"},
-                         {"PostScript - MM", "PS MM", "PostScript - MM"},
-                         {"OpenType - TT", "OpenType (TT)", "OpenType - TT"},
-                         {"OpenType - PS", "OpenType (PS)", "OpenType - PS"},
-                         {"TrueType", "TrueType", "TrueType"}};
-  for (const Row& row : toOlder) {
-    EXPECT_EQ(MapKestraneFontTypeToSorrellineFontType(row.older, 0), row.present);
-    EXPECT_EQ(MapKestraneFontTypeToSorrellineFontType(row.older, 1), row.atPSPairOnly);
+  const char* toOlder = R"(
+    Postscript / PS Pair / PS Pair;       POSTSCRIPT / PS Pair / PS Pair;  PostScript - MM / PS MM / PostScript - MM
+    OpenType - TT / OpenType (TT) / OpenType - TT;  OpenType - PS / OpenType (PS) / OpenType - PS
+    TrueType / TrueType / TrueType)";
+  for (const auto& row : ReadTable(toOlder)) {
+    EXPECT_EQ(MapKestraneFontTypeToSorrellineFontType(row[0], 0), row[1]);
+    EXPECT_EQ(MapKestraneFontTypeToSorrellineFontType(row[0], 1), row[2]);
   }
 }
 
 TEST(FontKinds, FoundryNames) {
-  const std::pair<const char*, const char*> rows[] = {
-      {"unknown", "--"},
-      {"UNKNOWN", "--"},
-      {"Unknown", "--"},
-      {"adobe", "Adobe"},
-      {"Adobe Systems", "Adobe Systems"},
-      {"the 3d o'hara type-works", "The 3D O'hara Type-Works"},
-      {"--", "--"},
-      {"", ""},
-      {"\xC3\xA9mile", "\xC3\x89mile"}};
-  for (const auto& [name, mapped] : rows) {
-    EXPECT_EQ(CreateSorrellineFoundryNameFromKestraneFoundryName(name), mapped) << name;
+  const char* table =
+      R"(unknown / --;  UNKNOWN / --;  Unknown / --;  adobe / Adobe;  émile / Émile;  Émile / Émile;  -- / --;  "" /
+    Adobe Systems / Adobe Systems;  the 3d o'hara type-works / The 3D O'hara Type-Works)";
+  for (const auto& row : ReadTable(table)) {
+    EXPECT_EQ(CreateSorrellineFoundryNameFromKestraneFoundryName(row[0]), row[1]);
+    const FontRecord record = ReadRecord("Foundry=" + row[0]);
+    EXPECT_EQ(MapSorrellineFoundryNameToKestraneFoundryName(record), row[0] != row[1]);
+    EXPECT_EQ(WriteRecord(record), "Foundry=" + row[1]);
   }
 }
 
 TEST(FontKinds, PostProcessNeedsAFontManager) {
-  const FontRecord record = MakeRecord(
-      {{kFP_KindKey, "DFont"}, {kFP_FoundryKey, "Unknown"}, {kFP_KerningChecksumKey, "-1"}});
+  const FontRecord record = ReadRecord("FontKind=DFont|Foundry=Unknown|KerningChecksum=-1");
   EXPECT_FALSE(PostProcessSingleFontForSlug(record));
   EXPECT_EQ(RecordString(record, kFP_KindKey), "DFont");
 
   FakeFontManager manager;
   LogCapture log;
   PostProcessFaceprintSlug(MakeFonts({MakeNamed("Plain"), PropertyList::Value(), record}));
-  EXPECT_EQ(RecordString(record, kFP_KindKey), "TrueType");
-  EXPECT_EQ(RecordString(record, kFP_FoundryKey), "--");
-  EXPECT_EQ(RecordString(record, kFP_KerningChecksumKey), "0");
+  EXPECT_EQ(WriteRecord(record), "FontKind=TrueType|Foundry=--|KerningChecksum=0");
   EXPECT_TRUE(log.Has("Entry 2 modified by PostProcessSingleFontForSlug()"));
   EXPECT_FALSE(log.Has("Entry 0 modified by PostProcessSingleFontForSlug()"));
+  for (const char* one : {"FontKind=DFont", "Foundry=Unknown", "KerningChecksum=-1"}) {
+    EXPECT_TRUE(PostProcessSingleFontForSlug(ReadRecord(one))) << one;
+  }
   EXPECT_FALSE(PostProcessSingleFontForSlug(record));
 }
 
 TEST(FontRecordOperations, ChecksumRepairs) {
-  struct Row {
-    const char* key;
-    const char* value;
-    const char* kerning;
-    const char* expectedChecksum;
-    const char* expectedKerning;
-    bool changed;
-  };
-  const Row rows[] = {
-      {kFP_ChecksumKey, "0", "1048575", "77", "1048575", true},
-      {kFP_ChecksumKey, "", "1048576", "77", "0", true},
-      {kFP_PathKey, "x", "-1", "77", "0", true},                       // no 1.1 checksum at all
-      {kFP_ChecksumKey, "5", "4294967297", "5", "4294967297", false},  // low 32 bits are 1
-      {kFP_ChecksumKey, "5", "99999999999999999999", "5", "0", true},
-      {kFP_ChecksumKey, "5", "none", "5", "none", false},
-  };
-  for (const Row& row : rows) {
-    const FontRecord record = MakeRecord({{kFP_Faceprint_1_2_Key, "77"},
-                                          {row.key, row.value},
-                                          {kFP_KerningChecksumKey, row.kerning}});
-    EXPECT_EQ(FixFaceprintChecksumsIfNeeded(record), row.changed) << row.kerning;
-    EXPECT_EQ(RecordString(record, kFP_ChecksumKey), row.expectedChecksum);
-    EXPECT_EQ(RecordString(record, kFP_KerningChecksumKey), row.expectedKerning);
+  // Beside the 1.2 checksum: before and after. The kerning checksum is cut to 32 bits.
+  const char* table = R"(
+    77|Checksum=0|KerningChecksum=1048575 / 77|Checksum=77|KerningChecksum=1048575
+    77|Checksum=|KerningChecksum=1048576 / 77|Checksum=77|KerningChecksum=0
+    77|KerningChecksum=-1 / 77|KerningChecksum=0|Checksum=77
+    77|Checksum=5|KerningChecksum=4294967297 / 77|Checksum=5|KerningChecksum=4294967297
+    77|Checksum=5|KerningChecksum=99999999999999999999 / 77|Checksum=5|KerningChecksum=0
+    77|Checksum=5|KerningChecksum=none / 77|Checksum=5|KerningChecksum=none
+    |Checksum=0 / |Checksum=0;  0 / 0)";
+  for (const auto& row : ReadTable(table)) {
+    const FontRecord record = ReadRecord("Faceprint_1.2_Checksum=" + row[0]);
+    EXPECT_EQ(FixFaceprintChecksumsIfNeeded(record), row[0] != row[1]) << row[0];
+    EXPECT_EQ(WriteRecord(record), "Faceprint_1.2_Checksum=" + row[1]);
   }
-  EXPECT_FALSE(FixFaceprintChecksumsIfNeeded(MakeRecord({{kFP_Faceprint_1_2_Key, "0"}})));
-  EXPECT_FALSE(FixFaceprintChecksumsIfNeeded(nullptr));
 }
 
-TEST(FontRecordOperations, AddFontToArrayCleansNames) {
+TEST(FontRecordOperations, DocumentNamesAreCleanedAndAddedOnce) {
   const FontRecordArray fonts = MakeFontRecordArray();
-  EXPECT_TRUE(AddFontToArray("Foo Bar(1)", fonts, false));
-  EXPECT_FALSE(AddFontToArray("FooBar1", fonts, false));
-  EXPECT_FALSE(AddFontToArray("[Foo-Bar/{1}]", fonts, false));  // equal after normalisation
-  EXPECT_TRUE(AddFontToArray("FooBar1", fonts, true));
-  EXPECT_FALSE(AddFontToArray("", fonts, true));
-  EXPECT_FALSE(AddFontToArray(" ()/[]{}", fonts, true));
-  EXPECT_TRUE(AddFontToArray("A<B>#-", fonts, true));  // kept: not in the narrow set
+  // The name, whether it may be there twice, and whether it is added.
+  const char* table =
+      R"(Foo Bar(1) / 0 / 1;  FooBar1 / 0 / 0;  [Foo-Bar{1}] / 0 / 0;  FooBar1 / 1 / 1
+                         "" / 1 / 0;  " ()[]{}" / 1 / 0;  A<B>#- / 1 / 1)";
+  for (const auto& row : ReadTable(table)) {
+    EXPECT_EQ(AddFontToArray(row[0].c_str(), fonts, row[1] == "1"), row[2] == "1") << row[0];
+  }
+  EXPECT_FALSE(AddFontToArray("/", fonts, true));
   LogCapture log;
   EXPECT_FALSE(AddFontToArray("A\xFF", fonts, true));
   EXPECT_FALSE(AddFontToArray(nullptr, fonts, true));
@@ -124,13 +112,11 @@ TEST(FontRecordOperations, ASlugKeepsItsTenKeys) {
   const FontRecord record = MakeFontRecord();
   for (const char* const* key = kAllFaceprintCFKeys; *key != nullptr; ++key) record->Set(*key, "1");
   EXPECT_EQ(record->Count(), 33u);
-  const FontRecordArray fonts = MakeFonts({PropertyList::Value(), record});
+  const FontRecordArray fonts = MakeFonts({record, PropertyList::Value(), MakeNamed("A")});
   EXPECT_EQ(RemoveUnsluggableFaceprintKeys(fonts), 1);
-  std::vector<std::string> keys;
-  for (const auto& [key, value] : record->Entries()) keys.push_back(key);
-  EXPECT_EQ(keys, (std::vector<std::string>{"PostScriptName", "FontKind", "Foundry", "Version",
-                                            "KerningChecksum", "Checksum", "Faceprint_1.2_Checksum",
-                                            "OutlineFileSize", "OutlineFileName", "Family"}));
+  EXPECT_EQ(WriteRecord(record),
+            "PostScriptName=1|FontKind=1|Foundry=1|Version=1|KerningChecksum=1|Checksum=1|"
+            "Faceprint_1.2_Checksum=1|OutlineFileSize=1|OutlineFileName=1|Family=1");
   EXPECT_EQ(RemoveUnsluggableFaceprintKeys(fonts), 0);
 }
 
@@ -139,18 +125,15 @@ TEST(FontRecordOperations, SlugTextAndArrays) {
   EXPECT_EQ(CreateXMLFaceprintSlug(MakeFonts({MakeNamed("A&B")}), &xml), 0);
   EXPECT_NE(xml.find("<key>PostScriptName</key>"), std::string::npos);
   EXPECT_NE(xml.find("<string>A&amp;B</string>"), std::string::npos);
-  xml = "kept";
-  EXPECT_EQ(CreateXMLFaceprintSlug(MakeFonts({MakeNamed("\x01")}), &xml), 0);
-  EXPECT_EQ(xml, "kept");
-  EXPECT_EQ(CreateXMLFaceprintSlug(nullptr, &xml), -50);
   EXPECT_EQ(CreateXMLFaceprintSlug(MakeFontRecordArray(), nullptr), -50);
-
   EXPECT_EQ(NamesOf(CreateFontArrayFromVectorOfPostscriptNames({"A", "", "\xFF", "A", "B"})),
             (std::vector<std::string>{"A", "A", "B"}));
-  EXPECT_FALSE(CreateFontArrayFromFontMatchArray(MakeFontRecordArray()));
+  EXPECT_EQ(WriteRecord(CreateFaceprintDictionaryWithFamilyName("A")), "Family=A");
+  EXPECT_EQ(WriteRecord(CreateFaceprintDictionaryWithFamilyName(nullptr)), "");
+  EXPECT_EQ(WriteRecord(CreateFaceprintDictionary(nullptr)), "");
   const FontRecord match = MakeNamed("M");
   const FontRecordArray matches = CreateFontArrayFromFontMatchArray(
       MakeFonts({MakeNamed("A"), MakeRecord({{kFP_MatchedFontKey, match}})}));
-  ASSERT_EQ(matches->Count(), 1u);
+  EXPECT_EQ(NamesOf(matches), std::vector<std::string>{"M"});
   EXPECT_EQ(matches->DictionaryAt(0), match);
 }

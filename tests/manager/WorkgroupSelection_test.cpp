@@ -3,23 +3,52 @@
 #include "support/FakeFontManager.h"
 #include "support/FontRecords.h"
 #include "support/PluginWorld.h"
+#include "support/TextTable.h"
 
 namespace {
 
-using Titles = std::vector<std::string>;
+using FMI = FontManagerInterface;
 
 class WorkgroupSelection : public testing::Test {
  protected:
-  long Selected() { return world.tarn.longPreferences[kCurrentWorkgroupPrefKey]; }
+  int Selected() { return static_cast<int>(world.tarn.longPreferences[kCurrentWorkgroupPrefKey]); }
   void Select(long id) { world.tarn.longPreferences[kCurrentWorkgroupPrefKey] = id; }
-  // Puts one in place, with the workgroups 11, 12 and so on.
-  FakeFontManager& Make(int workgroupCount) {
+  // Puts one in place, with the workgroups 11, 12 and so on. `without` names what does not hold.
+  FakeFontManager& Make(int workgroupCount, const std::string& without = "all") {
     manager.reset();
     manager = std::make_unique<FakeFontManager>();
     for (int i = 0; i < workgroupCount; ++i) {
       manager->workgroups[std::to_string(11 + i)] = "Library " + std::to_string(i);
     }
+    const auto holds = [&](const char* what) { return without.find(what) == std::string::npos; };
+    manager->canActivateFromAll = holds("all");
+    manager->standalone = holds("standalone");
+    manager->connected = holds("connected");
+    manager->running = holds("running");
+    manager->loggedIn = holds("login");
+    if (!holds("loading")) manager->FailAt("GetAllWorkgroupsForUser", 0, 5);
+    world.tarn.preferences[kEnablePluginPrefKey] = holds("preference");
+    KestraneGlobals::SetPluginServicesEnabled(holds("services"));
+    KestraneGlobals::SetUserHasWorkgroups(holds("workgroups"));
+    FMI::SetValidWorkgroupSelected(holds("valid"));
     return *manager;
+  }
+  // What holds afterwards.
+  std::string State() {
+    std::string state = std::to_string(Selected());
+    if (FMI::GetValidWorkgroupSelected()) state += " valid";
+    if (KestraneGlobals::GetUserHasWorkgroups()) state += " workgroups";
+    for (const std::string& title : world.tarn.TakeTitles()) state += " " + title;
+    return state;
+  }
+  // Number of workgroups, the selected one, what does not hold, and the state afterwards.
+  void ExpectStates(void (FMI::*operation)(), const char* table) {
+    for (const auto& row : ReadTable(table)) {
+      FakeFontManager& fontManager = Make(std::stoi(row[0]), row[2]);
+      Select(std::stol(row[1]));
+      (fontManager.*operation)();
+      EXPECT_EQ(State(), row[3]) << row[0] << " " << row[1] << " without " << row[2];
+    }
   }
 
   PluginWorld world;
@@ -27,205 +56,125 @@ class WorkgroupSelection : public testing::Test {
 };
 
 TEST_F(WorkgroupSelection, ChoosesByRule) {
-  struct Case {
-    const char* title;
-    int workgroupCount;
-    bool canActivateFromAll;
-    bool standalone;
-    bool wasValid;
-    long selected;
-    long expected;
-    bool isValid;
-    bool hasWorkgroups;
-    Titles messages;
-  };
-  const Case cases[] = {
-      {"kept", 2, true, true, false, 12, 12, true, true, {}},
-      {"all, where the user may", 2, true, true, false, 99, -2, true, true, {}},
-      {"the first otherwise", 2, false, true, false, 99, 11, true, true, {}},
-      {"none yet", 1, false, false, false, 0, 11, true, true, {}},
-      {"all selected but not allowed any more", 1, false, false, true, -2, 11, true, true, {}},
-      {"empty, standalone", 0, false, true, true, 12, 0, true, true, {}},
-      {"empty, server", 0, false, false, true, 12, 0, false, false, {"NoWorkgroupsHeader"}},
-      {"empty, server, known already", 0, true, false, false, 12, 0, false, false, {}},
-  };
-  for (const Case& c : cases) {
-    FakeFontManager& table = Make(c.workgroupCount);
-    table.canActivateFromAll = c.canActivateFromAll;
-    table.standalone = c.standalone;
-    Select(c.selected);
-    FontManagerInterface::SetValidWorkgroupSelected(c.wasValid);
-    KestraneGlobals::SetUserHasWorkgroups(true);
-    table.HandleSelectWorkgroup();
-    EXPECT_EQ(Selected(), c.expected) << c.title;
-    EXPECT_EQ(FontManagerInterface::GetValidWorkgroupSelected(), c.isValid) << c.title;
-    EXPECT_EQ(KestraneGlobals::GetUserHasWorkgroups(), c.hasWorkgroups) << c.title;
-    EXPECT_EQ(world.tarn.TakeTitles(), c.messages) << c.title;
-  }
-}
-
-TEST_F(WorkgroupSelection, DoesNothingWhileNotConnectedAndTreatsAnErrorAsAnEmptyList) {
-  FakeFontManager& table = Make(2);
-  Select(12);
-  table.connected = false;
-  table.FailAt("GetAllWorkgroupsForUser", 0, 5);
-  table.HandleSelectWorkgroup();
-  EXPECT_EQ(Selected(), 12);
-  table.connected = true;
-  table.HandleSelectWorkgroup();
-  EXPECT_EQ(Selected(), 0);
+  ExpectStates(&FMI::HandleSelectWorkgroup, R"(
+    2 / 12 / valid / 12 valid workgroups;               2 / 99 / valid / -2 valid workgroups
+    2 / 12 / valid workgroups / 12 valid workgroups;    2 / 0 / valid / -2 valid workgroups
+    2 / 99 / all valid / 11 valid workgroups;           1 / 0 / all valid standalone / 11 valid workgroups
+    1 / -2 / all / 11 valid workgroups;                 1 / -2 / valid / -2 valid workgroups
+    0 / 12 / all / 0 valid workgroups;                  0 / 12 / valid / 0 workgroups
+    0 / 12 / all standalone / 0 NoWorkgroupsHeader;     0 / 12 / valid standalone / 0
+    2 / 12 / loading standalone / 0 NoWorkgroupsHeader; 2 / 12 / loading valid / 0 workgroups
+    2 / 99 / connected valid / 99 workgroups)");
 }
 
 // The message of an empty list runs the host's loop, from which a selection may be asked for again.
 TEST_F(WorkgroupSelection, DoesNotStartWithinItself) {
-  FakeFontManager& table = Make(0);
-  table.standalone = false;
-  FontManagerInterface::SetValidWorkgroupSelected(true);
+  FakeFontManager& fontManager = Make(0, "standalone all");
   int nested = 0;
   world.tarn.onDialog = [&] {
     ++nested;
-    table.HandleSelectWorkgroup();
-    EXPECT_FALSE(FontManagerInterface::GetValidWorkgroupSelected());
-    FontManagerInterface::CheckSelectWorkgroup();
+    fontManager.HandleSelectWorkgroup();
+    FMI::CheckSelectWorkgroup();
+    EXPECT_FALSE(FMI::GetValidWorkgroupSelected());
   };
-  table.HandleSelectWorkgroup();
+  fontManager.HandleSelectWorkgroup();
   EXPECT_EQ(nested, 1);
-  table.workgroups = {{"11", "Library"}};
-  table.HandleSelectWorkgroup();  // the guard has gone
+  EXPECT_EQ(fontManager.CountOfCalls("GetAllWorkgroupsForUser"), 1);
+  for (const bool connected : {false, true}) {  // the guard has gone, whatever the exit was
+    fontManager.connected = connected;
+    fontManager.workgroups = {{"11", "Library"}};
+    fontManager.HandleSelectWorkgroup();
+  }
   EXPECT_EQ(Selected(), 11);
 }
 
 TEST_F(WorkgroupSelection, TheDefaultIsInitialised) {
-  struct Case {
-    const char* title;
-    int workgroupCount;
-    bool canActivateFromAll;
-    bool hasWorkgroups;
-    long selected;
-    long expected;
-    bool wasValid;
-    bool isValid;
-  };
-  const Case cases[] = {
-      {"valid", 2, false, true, 12, 12, false, true},
-      {"valid, but the flag stays where the user has none", 2, false, false, 12, 12, false, false},
-      {"all selected and allowed", 0, true, true, -2, -2, false, true},
-      {"invalid, all allowed", 2, true, true, 99, -2, false, true},
-      {"invalid, one", 1, false, true, 99, 11, false, true},
-      {"invalid, several", 2, false, true, 99, 99, true, false},
-      {"invalid, none", 0, false, true, -2, -2, true, false},
-  };
-  for (const Case& c : cases) {
-    FakeFontManager& table = Make(c.workgroupCount);
-    table.canActivateFromAll = c.canActivateFromAll;
-    KestraneGlobals::SetUserHasWorkgroups(c.hasWorkgroups);
-    Select(c.selected);
-    FontManagerInterface::SetValidWorkgroupSelected(c.wasValid);
-    table.InitializeDefaultWorkgroup();
-    EXPECT_EQ(Selected(), c.expected) << c.title;
-    EXPECT_EQ(FontManagerInterface::GetValidWorkgroupSelected(), c.isValid) << c.title;
-  }
-  FakeFontManager& table = Make(1);
-  table.running = false;
-  Select(99);
-  table.InitializeDefaultWorkgroup();
-  EXPECT_EQ(Selected(), 99);
+  ExpectStates(&FMI::InitializeDefaultWorkgroup, R"(
+    2 / 12 / all valid / 12 valid workgroups;   2 / 12 / all valid workgroups / 12
+    2 / 12 / all workgroups / 12 valid;         0 / -2 / valid / -2 valid workgroups
+    2 / 99 / valid / -2 valid workgroups;       1 / 99 / all valid / 11 valid workgroups
+    2 / 99 / all / 99 workgroups;               0 / -2 / all / -2 workgroups
+    1 / 99 / all loading / 99 workgroups;       1 / 99 / all valid running / 99 workgroups)");
 }
 
-TEST_F(WorkgroupSelection, IsCheckedOnlyWhereThePluginWorks) {
-  struct Case {
-    const char* title;
-    bool services;
-    bool preference;
-    bool loggedIn;
-    bool standalone;
-    bool result;
-    long selected;
-  };
-  const Case cases[] = {
-      {"runs", true, true, true, false, true, 11},
-      {"services off", false, true, true, false, false, 99},
-      {"preference off", true, false, true, false, false, 99},
-      {"neither logged in nor standalone", true, true, false, false, false, 99},
-      {"standalone", true, true, false, true, true, 11},
-  };
-  for (const Case& c : cases) {
-    FakeFontManager& table = Make(1);
-    table.loggedIn = c.loggedIn;
-    table.standalone = c.standalone;
-    world.tarn.preferences[kEnablePluginPrefKey] = c.preference;
-    KestraneGlobals::SetPluginServicesEnabled(c.services);
-    KestraneGlobals::SetUserHasWorkgroups(false);
-    FontManagerInterface::SetValidWorkgroupSelected(false);
+TEST_F(WorkgroupSelection, IsCheckedAndReadyOnlyWhereThePluginWorks) {
+  // What does not hold, the answers of the check and of readiness, and the selected one.
+  const char* table = R"(
+    valid all / 1 / 1 / 11;          valid all services / 0 / 0 / 99;  valid all preference / 0 / 0 / 99
+    all / 1 / 1 / 99;                valid all login / 1 / 0 / 11;     valid all login standalone / 0 / 0 / 99
+    valid all standalone / 1 / 1 / 11; valid all workgroups / 1 / 1 / 11)";
+  for (const auto& row : ReadTable(table)) {
+    Make(1, row[0]);
     Select(99);
-    EXPECT_EQ(FontManagerInterface::CheckSelectWorkgroup(), c.result) << c.title;
-    EXPECT_EQ(Selected(), c.selected) << c.title;
+    EXPECT_EQ(FMI::CheckSelectWorkgroup(), row[1] == "1") << row[0];
+    EXPECT_EQ(FMI::AutoActivationIsReady(), row[2] == "1") << row[0];
+    EXPECT_EQ(Selected(), std::stoi(row[3])) << row[0];
     EXPECT_TRUE(KestraneGlobals::GetUserHasWorkgroups());
   }
-  manager.reset();
-  FontManagerInterface::SetValidWorkgroupSelected(false);
-  EXPECT_FALSE(FontManagerInterface::CheckSelectWorkgroup());
-  FontManagerInterface::SetValidWorkgroupSelected(true);
-  EXPECT_TRUE(FontManagerInterface::CheckSelectWorkgroup());
-}
-
-TEST_F(WorkgroupSelection, IsReadyOnlyWhenAllHolds) {
-  FakeFontManager& table = Make(1);
-  EXPECT_TRUE(FontManagerInterface::AutoActivationIsReady());
-  table.loggedIn = false;
-  EXPECT_FALSE(FontManagerInterface::AutoActivationIsReady());
-  table.loggedIn = true;
   KestraneGlobals::SetUserHasWorkgroups(false);
-  EXPECT_FALSE(FontManagerInterface::AutoActivationIsReady());
-  KestraneGlobals::SetUserHasWorkgroups(true);
-  world.tarn.preferences[kEnablePluginPrefKey] = false;
-  EXPECT_FALSE(FontManagerInterface::AutoActivationIsReady());
-  world.tarn.preferences[kEnablePluginPrefKey] = true;
+  EXPECT_FALSE(FMI::AutoActivationIsReady());
+  Make(0, "standalone valid");
+  EXPECT_FALSE(FMI::CheckSelectWorkgroup()) << "the selection has found that there are none";
+  Make(1, "valid");
   manager.reset();
-  EXPECT_FALSE(FontManagerInterface::AutoActivationIsReady());
+  EXPECT_FALSE(FMI::AutoActivationIsReady());
+  EXPECT_FALSE(FMI::CheckSelectWorkgroup());
 }
 
 TEST_F(WorkgroupSelection, NamesAndIDsGoBothWays) {
   world.tarn.texts = {{"All Libraries", "Alle"}, {"All Workgroups", "Toutes"}};
-  FakeFontManager& table = Make(2);
-  int id = 0;
-  EXPECT_EQ(table.GetWorkgroupID("Library 1", &id), 0);
-  EXPECT_EQ(id, 12);
-  EXPECT_EQ(table.GetWorkgroupID("library 1", &id), -1);
-  EXPECT_EQ(table.GetWorkgroupID("Alle", &id), -1);
-  table.canActivateFromAll = true;
-  EXPECT_EQ(table.GetWorkgroupID("Alle", &id), 0);
-  EXPECT_EQ(id, -2);
-  table.standalone = false;
-  EXPECT_EQ(table.GetWorkgroupID("Alle", &id), -1);
-  EXPECT_EQ(table.GetWorkgroupID("Toutes", nullptr), -1);
-  EXPECT_EQ(table.SetDefaultWorkgroupName(std::nullopt), -1);
-  EXPECT_EQ(table.SetDefaultWorkgroupName("Library 0"), 0);
-  EXPECT_EQ(Selected(), 11);
-  EXPECT_EQ(table.GetDefaultWorkgroupName(), "Library 0");
-  EXPECT_EQ(table.GetWorkgroupNameFromID(13), std::nullopt);
-
-  const FontRecordArray fonts = MakeFontRecordArray();
-  EXPECT_EQ(table.AddWorkgroupNamesToFonts(fonts), -1);
-  for (const int workgroupID : {12, 13}) {
-    const FontRecord font = MakeFontRecord();
-    SetRecordNumber(font, kFP_WorkgroupIDKey, workgroupID);
-    fonts->Append(font);
+  // The name, what does not hold, and the ID.
+  const char* table = R"(
+    Library 1 / all / 12;  library 1 / / none;   Library 1 / loading / none;  Alle / / -2
+    Alle / all / none;     Alle / standalone / none;  Toutes / standalone / -2;  alle / / none)";
+  for (const auto& row : ReadTable(table)) {
+    FakeFontManager& fontManager = Make(2, row[1]);
+    Select(99);
+    int id = 99;
+    const bool isKnown = row[2] != "none";
+    EXPECT_EQ(fontManager.GetWorkgroupID(row[0], &id), isKnown ? 0 : -1) << row[0] << row[1];
+    EXPECT_EQ(id, isKnown ? std::stoi(row[2]) : 99) << row[0] << row[1];
+    EXPECT_EQ(fontManager.SetDefaultWorkgroupName(row[0]), isKnown ? 0 : -1);
+    EXPECT_EQ(Selected(), id);
+    EXPECT_EQ(fontManager.IsAllWorkgroupsSelected(), id == -2);
+    EXPECT_EQ(fontManager.GetDefaultWorkgroupName().value_or("none"), id == 12 ? row[0] : "none");
   }
-  EXPECT_EQ(table.AddWorkgroupNamesToFonts(fonts), 0);
-  EXPECT_EQ(RecordString(fonts->DictionaryAt(0), kFP_WorkgroupNameKey), "Library 1");
-  EXPECT_FALSE(RecordHas(fonts->DictionaryAt(1), kFP_WorkgroupNameKey));
+  FakeFontManager& fontManager = Make(2);
+  int id = 0;
+  EXPECT_EQ(fontManager.GetWorkgroupID("Library 0", nullptr), -1);
+  EXPECT_EQ(fontManager.GetWorkgroupID(std::nullopt, &id), -1);
+  EXPECT_EQ(fontManager.SetDefaultWorkgroupName(std::nullopt), -1);
+
+  const FontRecordArray fonts = MakeFonts({ReadRecord("WorkgroupID=13"), MakeFontRecord()});
+  EXPECT_EQ(fontManager.AddWorkgroupNamesToFonts(fonts), -1);
+  fonts->Append(ReadRecord("WorkgroupID=12"));
+  fonts->Append(ReadRecord("WorkgroupID=14"));
+  EXPECT_EQ(fontManager.AddWorkgroupNamesToFonts(fonts), 0);
+  EXPECT_EQ(WriteRecord(fonts->DictionaryAt(2)), "WorkgroupID=12|WorkgroupName=Library 1");
+  EXPECT_EQ(WriteRecord(fonts->DictionaryAt(0)), "WorkgroupID=13");
 }
 
-// A workgroup counts by its name, not by its ID.
-TEST_F(WorkgroupSelection, IsValidByName) {
-  FakeFontManager& table = Make(2);
-  EXPECT_FALSE(table.IsValidWorkgroupForUser(0));
-  EXPECT_TRUE(table.IsValidWorkgroupForUser(12));
-  EXPECT_FALSE(table.IsValidWorkgroupForUser(13));
-  EXPECT_FALSE(table.IsValidWorkgroupForUser(-2));
-  table.canActivateFromAll = true;
-  EXPECT_TRUE(table.IsValidWorkgroupForUser(-2));
+TEST_F(WorkgroupSelection, IsValidByNameAndAsksForWhatItNeeds) {
+  FakeFontManager& fontManager = Make(2);
+  fontManager.workgroups["13"] = "Library 1";  // the name of one that is the user's
+  fontManager.workgroups["14"] = "Special";
+  fontManager.specialWorkgroupIDs = {"13", "14"};
+  for (const int id : {0, 12, 13, 14, 15, -2}) {
+    EXPECT_EQ(fontManager.IsValidWorkgroupForUser(id), id == 12 || id == 13) << id;
+  }
+  fontManager.canActivateFromAll = true;
+  EXPECT_TRUE(fontManager.IsValidWorkgroupForUser(-2));
+  EXPECT_TRUE(fontManager.UserHasAtLeastOneWorkgroup());
+  fontManager.calls.clear();
+  fontManager.workgroups.clear();
+  EXPECT_FALSE(fontManager.UserHasAtLeastOneWorkgroup());
+  fontManager.GetWorkgroupNameFromID(11);
+  fontManager.AddWorkgroupNamesToFonts(MakeFontRecordArray());
+  fontManager.HandleSelectWorkgroup();
+  EXPECT_EQ(fontManager.calls,
+            (std::vector<std::string>{
+                "GetAllWorkgroupsForUser()", "GetAllWorkgroupsForUser(all,special,)",
+                "GetAllWorkgroupsForUser(special,)", "GetAllWorkgroupsForUser()"}));
 }
 
 }  // namespace

@@ -52,8 +52,15 @@ std::vector<std::string> FakeFontManager::CallsOf(const std::string& operation) 
 }
 
 int FakeFontManager::Call(const std::string& operation, const std::string& arguments) {
-  const std::string call = operation + "(" + arguments + ")";
-  calls.push_back(call);
+  calls.push_back(operation + "(" + arguments + ")");
+  return Count(operation, calls.back());
+}
+
+bool FakeFontManager::Ask(const std::string& operation, bool answer) {
+  return Count(operation, operation) == 0 && answer;
+}
+
+int FakeFontManager::Count(const std::string& operation, const std::string& call) {
   const int nth = ++mCounts[operation];
   for (const auto& key : {std::pair(operation, nth), {operation, 0}, {call, 0}}) {
     const auto failure = mFailures.find(key);
@@ -87,12 +94,12 @@ int FakeFontManager::FontIDsForFamilyName(const std::string& name, long, FontIDs
 }
 
 std::map<std::uint32_t, bool> FakeFontManager::GetClientFontActivationStates(const FontIDs& ids) {
-  Call("GetClientFontActivationStates", std::to_string(ids.size()));
+  if (Call("GetClientFontActivationStates", std::to_string(ids.size())) != 0) return {};
   return clientStates;
 }
 
 std::map<std::uint32_t, bool> FakeFontManager::GetFontIsActivated(const FontRecordArray& asked) {
-  Call("GetFontIsActivated", IDsOf(asked));
+  if (Call("GetFontIsActivated", IDsOf(asked)) != 0) return {};
   std::map<std::uint32_t, bool> states;
   for (const Font& font : fonts) states[font.id] = font.state >= kActivationStateActive;
   return states;
@@ -113,11 +120,11 @@ int FakeFontManager::ActivateFontsByID(const FontRecordArray& asked, const std::
     const std::uint32_t id = RecordDatabaseID(font);
     if (progress)
       progress(i + 1, total, RecordString(font, kFP_PostScriptNameKey), progressContext);
-    if (refused.contains(id) && outSecond) {
-      outSecond->Append(font);
+    if (refused.contains(id)) {
+      if (outSecond) outSecond->Append(font);
     } else if (!unable.contains(id) && Find(id) != nullptr) {
       Find(id)->state = kActivationStateActive;
-      outActivated->Append(font);
+      if (outActivated) outActivated->Append(font);
     }
   }
   return 0;
@@ -156,14 +163,19 @@ void FakeFontManager::FinishClosingFontsForDocument(const std::string& document,
 
 int FakeFontManager::CountNamedFonts(const std::string& name, TypeOfFontName type, long,
                                      long& outCount, const std::string&) {
-  outCount = static_cast<long>(Named(name, type).size());
-  return Call("CountNamedFonts", (type == kFamilyFontName ? "F:" : "P:") + name);
+  if (const int code = Call("CountNamedFonts", (type == kFamilyFontName ? "F:" : "P:") + name)) {
+    return code;
+  }
+  outCount = countOfNamed.value_or(static_cast<long>(Named(name, type).size()));
+  return 0;
 }
 
 int FakeFontManager::GetNamedFontInfo(const std::string& name, TypeOfFontName type, long,
                                       long index, const std::string&, FontOrSetInfoRec& outRec) {
   if (const int code = Call("GetNamedFontInfo", name)) return code;
-  const Font* font = Named(name, type).at(static_cast<std::size_t>(index - 1));
+  const std::vector<const Font*> named = Named(name, type);
+  if (index < 1 || static_cast<std::size_t>(index) > named.size()) return kErrorGeneral;
+  const Font* font = named[static_cast<std::size_t>(index - 1)];
   outRec = {1, font->id, font->state, font->info};
   return 0;
 }
@@ -177,7 +189,7 @@ int FakeFontManager::GetPostscriptNameByID(std::string& outName, long, std::uint
 
 int FakeFontManager::GetFaceprintInfo(std::uint32_t databaseID, const FontRecord& font,
                                       char* buffer, std::size_t& ioSize) {
-  if (const int code = Call("GetFaceprintInfo", "")) return code;
+  if (const int code = Call("GetFaceprintInfo", std::to_string(databaseID))) return code;
   std::string text = Find(databaseID) != nullptr ? Find(databaseID)->slug : "";
   if (text.empty()) {
     const FontRecordArray slug = MakeFontRecordArray();
@@ -195,34 +207,44 @@ int FakeFontManager::FindFontsInSameFamilyForActivation(const FontRecord& font,
                                                         const FontRecordArray&, long,
                                                         const FontRecordArray& outFonts) {
   const std::string family = RecordString(font, kFP_AssignedFamilyGroupNameKey);
+  if (const int code = Call("FindFontsInSameFamilyForActivation", family)) return code;
   for (const Font& other : fonts) {
     if (RecordString(other.info, kFP_AssignedFamilyGroupNameKey) == family) {
       outFonts->Append(other.info);
     }
   }
-  return Call("FindFontsInSameFamilyForActivation", family);
+  return 0;
 }
 
-int FakeFontManager::GetAllWorkgroupsForUser(PropertyList::ArrayRef& outWorkgroups, bool, bool,
-                                             bool) {
+int FakeFontManager::GetAllWorkgroupsForUser(PropertyList::ArrayRef& outWorkgroups,
+                                             bool addAllWorkgroupsEntry,
+                                             bool includeSpecialWorkgroups,
+                                             bool includeTypekitWorkgroup) {
+  std::string flags;
+  if (addAllWorkgroupsEntry) flags += "all,";
+  if (includeSpecialWorkgroups) flags += "special,";
+  if (includeTypekitWorkgroup) flags += "typekit,";
+  if (const int code = Call("GetAllWorkgroupsForUser", flags)) return code;
   outWorkgroups = PropertyList::Array::Create();
   for (const auto& [id, name] : workgroups) {
+    if (specialWorkgroupIDs.contains(id) && !includeSpecialWorkgroups) continue;
     const FontRecord workgroup = MakeFontRecord();
     workgroup->Set(kFP_WorkgroupIDKey, id);
     workgroup->Set(kFP_WorkgroupNameKey, name);
     outWorkgroups->Append(workgroup);
   }
-  return Call("GetAllWorkgroupsForUser", "");
+  return 0;
 }
 
 int FakeFontManager::RemoveRemoteFonts(const FontRecordArray& candidates) {
+  if (const int code = Call("RemoveRemoteFonts", "")) return code;
   for (std::size_t i = candidates->Count(); i-- > 0;) {
     const FontRecord candidate = candidates->DictionaryAt(i);
     if (remoteWorkgroupIDs.contains(RecordString(candidate, kFP_WorkgroupIDKey))) {
       candidates->Remove(i);
     }
   }
-  return Call("RemoveRemoteFonts", "");
+  return 0;
 }
 
 void FakeFontManager::SetCountForLongOperations(int count) {

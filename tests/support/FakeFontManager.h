@@ -6,10 +6,13 @@
 //   manager.Add(7, "Foo-Bold", {{kFP_FoundryKey, "Adobe"}});
 //   manager.FailAt("CountNamedFonts", 2, kErrorKestraneNotRunning);
 //   manager.FailAt("CountNamedFonts(F:Foo)", 0, kErrorGeneral);
+//
+// A call that fails has no effect: it changes no font, fills in nothing and gives an empty map.
 #pragma once
 
 #include <initializer_list>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -39,6 +42,7 @@ class FakeFontManager : public FontManagerInterface {
   // Answers `code` at the nth call of the operation, 1 being the first; 0 means at every call. An
   // operation with its arguments in brackets, as it is recorded, fails at every such call.
   void FailAt(const std::string& operation, int nth, int code);
+  // A question answers false where it is to fail; it is counted, but not recorded in `calls`.
   // Throws at the nth call instead.
   void ThrowAt(const std::string& operation, int nth) { FailAt(operation, nth, kThrow); }
   int CountOfCalls(const std::string& operation) const;
@@ -47,6 +51,7 @@ class FakeFontManager : public FontManagerInterface {
 
   std::vector<Font> fonts;
   std::map<std::string, std::string> workgroups;  // ID, name
+  std::set<std::string> specialWorkgroupIDs;      // told only when special ones are asked for
   std::set<std::string> remoteWorkgroupIDs;       // RemoveRemoteFonts takes these out
   std::set<std::uint32_t> refused;                // noncompliant
   std::set<std::uint32_t> unable;                 // can't be activated
@@ -57,21 +62,30 @@ class FakeFontManager : public FontManagerInterface {
   bool running = true;
   bool loggedIn = true;
   bool standalone = true;
-  bool hasWorkgroups = true;        // CheckForWorkgroups
-  bool canActivateFromAll = false;  // workgroups
-  long disabledWorkgroupType = -1;  // of remote ones
-  std::vector<std::string> calls;   // "DeactivateFonts(3,4)", in order
+  bool hasWorkgroups = true;         // CheckForWorkgroups
+  bool canActivateFromAll = false;   // workgroups
+  long disabledWorkgroupType = -1;   // of remote ones
+  std::optional<long> countOfNamed;  // what CountNamedFonts answers, if not the truth
+  std::vector<std::string> calls;    // "DeactivateFonts(3,4)", in order
 
-  bool ConnectedToCoreAgent() override { return coreAgent; }
-  bool IsFontManagerConnected() override { return connected; }
-  bool IsOnline() override { return online; }
-  bool IsRunning() override { return running; }
-  bool IsLoggedIn() override { return loggedIn; }
-  bool RunningStandalone() override { return standalone; }
-  bool CanActivateFromAllWorkgroups() override { return canActivateFromAll; }
-  bool CanExportFromWorkgroup(const FontRecordArray&) override { return true; }
-  bool IsRemoteWorkgroupTypeDisabled(long type) override { return type == disabledWorkgroupType; }
-  bool CheckForWorkgroups() override { return Call("CheckForWorkgroups", ""), hasWorkgroups; }
+  bool ConnectedToCoreAgent() override { return Ask("ConnectedToCoreAgent", coreAgent); }
+  bool IsFontManagerConnected() override { return Ask("IsFontManagerConnected", connected); }
+  bool IsOnline() override { return Ask("IsOnline", online); }
+  bool IsRunning() override { return Ask("IsRunning", running); }
+  bool IsLoggedIn() override { return Ask("IsLoggedIn", loggedIn); }
+  bool RunningStandalone() override { return Ask("RunningStandalone", standalone); }
+  bool CanActivateFromAllWorkgroups() override {
+    return Ask("CanActivateFromAllWorkgroups", canActivateFromAll);
+  }
+  bool CanExportFromWorkgroup(const FontRecordArray&) override {
+    return Ask("CanExportFromWorkgroup", true);
+  }
+  bool IsRemoteWorkgroupTypeDisabled(long type) override {
+    return Ask("IsRemoteWorkgroupTypeDisabled", type == disabledWorkgroupType);
+  }
+  bool CheckForWorkgroups() override {
+    return Call("CheckForWorkgroups", "") == 0 && hasWorkgroups;
+  }
   int SetFontAutoActivationStatus(bool isOn) override {
     return Call("SetFontAutoActivationStatus", isOn ? "true" : "false");
   }
@@ -116,6 +130,9 @@ class FakeFontManager : public FontManagerInterface {
 
   // Records the call; the code that it is to fail with, or 0.
   int Call(const std::string& operation, const std::string& arguments);
+  // A question is asked too often to be of interest among the calls.
+  bool Ask(const std::string& operation, bool answer);
+  int Count(const std::string& operation, const std::string& call);
   std::vector<const Font*> Named(const std::string& name, TypeOfFontName type) const;
 
   FontManagerInterface* mOld;

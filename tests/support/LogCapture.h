@@ -25,5 +25,11 @@ class LogCapture {
     return std::find(lines.begin(), lines.end(), line + "\n") != lines.end();
   }
 
+  bool HasPart(const std::string& part) const {
+    return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
+      return line.find(part) != std::string::npos;
+    });
+  }
+
   std::vector<std::string> lines;
 };
