@@ -36,7 +36,7 @@ FontRecord MakeBadRecord(std::size_t number) {
                                       ReadRecord("PostScriptName=A|DatabaseID=99999999999"),
                                       Named(std::string(128, 'x')),
                                       Named(std::string(100000, 'x')),
-                                      Named(std::string("Z\0A", 3)),
+                                      Named(std::string("A\0Z", 3)),
                                       Named("\xFF\xFE"),
                                       itself};
   if (number == kCount - 1) {

@@ -219,3 +219,10 @@ TEST_F(BestMatch, EndsInBoundsWhereThereIsNoOrdering) {
               size * static_cast<std::ptrdiff_t>(std::bit_width(count - 1)));
   }
 }
+
+TEST_F(BestMatch, LeavesWhatIsNoRecord) {
+  const FontRecordArray fonts = MakeFonts({"text", MakeNamed("A"), 5});
+  SortByBestMatch(fonts, nullptr);
+  EXPECT_NE(fonts->At(0).AsString(), nullptr);
+  EXPECT_NE(fonts->At(2).AsInteger(), nullptr);
+}
