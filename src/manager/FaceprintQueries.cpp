@@ -18,6 +18,8 @@ constexpr std::size_t kNameBufferSize = 128;
 constexpr long kMaxNamedFonts = 65536;
 // The text form of one record; a longer one is passed over.
 constexpr std::size_t kSlugBufferSize = 65536;
+// Of a text that can't be read, in the log.
+constexpr std::size_t kShownOfSlug = 200;
 
 // The one record of a slug; null if the text is no slug.
 FontRecord DecodeSlug(std::string_view text) {
@@ -162,11 +164,13 @@ FontRecord FontManagerInterface::ReadCandidate(const std::string& name, const Fo
     OutputFormattedDebugString("...CFDataCreate could not deal with \"%s\".", name.c_str());
     return nullptr;
   }
-  FontRecord record = DecodeSlug({buffer.data(), strnlen(buffer.data(), size)});
+  const std::string_view text(buffer.data(), strnlen(buffer.data(), size));
+  FontRecord record = DecodeSlug(text);
   if (!record) {
     OutputFormattedDebugString(
-        "...CFPropertyListCreateFromXMLData failed on \"%s\".  OS message is:\n   \"%s\"",
-        name.c_str(), "The text is no list of font records.");
+        "...CFPropertyListCreateFromXMLData failed on \"%.*s\".  OS message is:\n   \"%s\"",
+        static_cast<int>(std::min(text.size(), kShownOfSlug)), text.data(),
+        "The text is no list of font records.");
   }
   return record;
 }
