@@ -1,9 +1,10 @@
 // The reference rules once more, plain and slow, with a font manager that does as it is told: what
-// ought to be asked, answered, turned on and off, and counted.
+// ought to be asked and answered, turned on and off, and held by whom.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -12,6 +13,7 @@
 
 struct TrackerModel {
   using ID = std::uint32_t;
+  using IDs = std::vector<ID>;
   struct Font {
     std::string name;
     bool isOn = false;
@@ -28,17 +30,14 @@ struct TrackerModel {
   static constexpr int kGone = 1000;
   static constexpr int kThrows = -9999;
 
-  // The world.
   std::map<ID, Font> fonts;
   std::set<ID> refused, unable;
   std::pair<std::string, int> failure;  // an operation or a call, and its code
   bool isConnected = true, hasBatches = true;
-  // The books.
   std::map<ID, Holding> holdings;
-  std::map<std::string, std::vector<ID>> documents;
-  // What came of the last step.
+  std::map<std::string, IDs> documents;
   std::vector<std::string> calls;
-  std::vector<ID> turnedOff;
+  IDs turnedOff;
 
   int Ask(const std::string& operation, const std::string& arguments = "") {
     calls.push_back(operation + "(" + arguments + ")");
@@ -46,27 +45,39 @@ struct TrackerModel {
     if (failure.second == kThrows) throw std::runtime_error(operation);
     return failure.second;
   }
-  void Announce(std::size_t count) { Ask("SetCountForLongOperations", std::to_string(count)); }
-  static std::string List(const std::vector<ID>& ids) {
+  int Announce(std::size_t n) { return Ask("SetCountForLongOperations", std::to_string(n)); }
+  static std::string List(const IDs& ids) {
     std::string list;
     for (const ID id : ids) list += (list.empty() ? "" : ",") + std::to_string(id);
     return list;
   }
+  // Whatever comes of a change, its end is told.
+  int Change(const std::function<int()>& change) try {
+    const int result = change();
+    Ask("EndActivationChange");
+    return result;
+  } catch (const std::runtime_error&) {
+    Ask("EndActivationChange"), Announce(1);
+    throw;
+  }
 
-  // A font that a batch holds already is passed over; of one name only the first is turned on, and
-  // none where one is on; all the others are held, asked for or not. A match of no document in
-  // particular is held by its sub-documents.
-  int Activate(const std::string& document, const std::vector<Match>& matches,
-               const std::vector<std::string>& subDocuments) {
-    std::vector<ID> batch;
+  int Open(const std::string& document, const std::vector<Match>& matches, const char* part) {
+    if (!isConnected) return kGone;
+    Ask("BeginOpening", document), Announce(matches.size());
+    const int result = Change([&] { return hasBatches ? Activate(document, matches, part) : 0; });
+    Ask("FinishOpening", document), Announce(1);
+    return result;
+  }
+  // What the batch has is passed over; of one name only the first is turned on, and none where one
+  // is on; the others are held all the same. Without a document, its part holds the font.
+  int Activate(const std::string& document, const std::vector<Match>& matches, const char* part) {
+    IDs batch;
     std::set<std::string> takenNames;
     for (const auto& [id, isActive] : matches) {
       if (std::ranges::count(batch, id) != 0) continue;
       if (takenNames.insert(fonts[id].name).second && !isActive) batch.push_back(id);
-      for (const std::string& holder : document.empty() ? subDocuments : std::vector{document}) {
-        holdings.try_emplace(id, Holding{0, isActive}).first->second.references += 1;
-        documents[holder].push_back(id);
-      }
+      ++holdings.try_emplace(id, Holding{0, isActive}).first->second.references;
+      documents[document.empty() ? part : document].push_back(id);
     }
     if (const int code = Ask("ActivateFontsByID", List(batch))) return code;
     for (const ID id : batch) fonts[id].isOn |= !refused.contains(id) && !unable.contains(id);
@@ -76,36 +87,21 @@ struct TrackerModel {
     return 0;
   }
 
-  int Open(const std::string& document, const std::vector<Match>& matches,
-           const std::vector<std::string>& subDocuments) {
+  int Close(const std::string& document, bool turnOff) {
     if (!isConnected) return kGone;
-    Ask("BeginOpening", document);
-    Announce(matches.size());
+    bool allClosed = turnOff;
     int result = 0;
-    try {
-      if (hasBatches) result = Activate(document, matches, subDocuments);
-    } catch (const std::runtime_error&) {
-      Ask("EndActivationChange"), Announce(1);
-      throw;
+    if (const auto known = documents.extract(document)) {
+      Announce(known.mapped().size());
+      result = Change([&] { return Release(known.mapped(), turnOff, allClosed); });
     }
-    Ask("EndActivationChange"), Ask("FinishOpening", document), Announce(1);
+    Ask("FinishClosing", document + (allClosed ? ",all" : ",some")), Announce(1);
     return result;
   }
-
-  int TurnOff(const std::vector<ID>& ids) {
-    const int code = Ask(hasBatches ? "DeactivateFonts" : "DeactivateFont", List(ids));
-    for (const ID id : ids) {
-      if (code == 0) turnedOff.push_back(id), fonts[id].isOn = false;
-    }
-    return code;
-  }
-  bool MustGoOff(ID id) { return !holdings[id].wasOn && (!hasBatches || fonts[id].isOurs); }
-
-  // The last reference turns a font off that was not on before the first. One by one, a font
-  // manager that has gone ends the walk with the font still in the books.
-  int Release(const std::vector<ID>& ids, bool turnOff, bool& allClosed) {
+  // The last reference turns a font off that was not on before the first.
+  int Release(const IDs& ids, bool turnOff, bool& allClosed) {
     Ask("GetClientFontActivationStates", std::to_string(ids.size()));
-    std::vector<ID> batch;
+    IDs batch;
     int result = 0;
     for (const ID id : ids) {
       if (!holdings.contains(id)) continue;
@@ -113,48 +109,37 @@ struct TrackerModel {
       holdings[id].references = std::max(holdings[id].references - 1, 0);
       allClosed &= isLast;
       if (!isLast || !turnOff) continue;
-      if (MustGoOff(id) && hasBatches) batch.push_back(id);
-      if (MustGoOff(id) && !hasBatches) {
-        if (const int code = TurnOff({id})) result = code;
-        if (result == kGone) return result;
-      }
+      if (GoesOff(id) && hasBatches) batch.push_back(id);
+      const int code = GoesOff(id) && !hasBatches ? TurnOff({id}) : 0;
+      if (code != 0) result = code;
+      if (code == kGone) return code;  // still in the books
       holdings.erase(id);
     }
     return hasBatches ? TurnOff(batch) : result;
   }
+  bool GoesOff(ID id) { return !holdings[id].wasOn && (!hasBatches || fonts[id].isOurs); }
 
-  int Close(const std::string& document, bool turnOff) {
-    if (!isConnected) return kGone;
-    bool allClosed = turnOff;
-    int result = 0;
-    if (const auto found = documents.extract(document)) {
-      Announce(found.mapped().size());
-      try {
-        result = Release(found.mapped(), turnOff, allClosed);
-      } catch (const std::runtime_error&) {
-        Ask("EndActivationChange"), Announce(1);
-        throw;
-      }
-      Ask("EndActivationChange");
+  int TurnOff(const IDs& ids) {
+    int result = hasBatches ? Ask("DeactivateFonts", List(ids)) : 0;
+    for (std::size_t i = 0; i < ids.size() && result != kGone; ++i) {
+      const int code = hasBatches ? result : Ask("DeactivateFont", List({ids[i]}));
+      if (code != 0) result = code;
+      if (code == 0) fonts[ids[i]].isOn = false, turnedOff.push_back(ids[i]);
     }
-    Ask("FinishClosing", document + (allClosed ? ",all" : ",some")), Announce(1);
     return result;
   }
 
-  // Who holds a font no longer counts; documents keep their lists.
+  // Who holds a font no longer counts. Documents keep their lists.
   int Quit(bool turnOff) {
     if (!isConnected) return kGone;
     if (holdings.empty()) return 0;
     Announce(holdings.size());
     Ask("GetClientFontActivationStates", std::to_string(holdings.size()));
-    std::vector<ID> ours;
+    IDs ours;
     for (const auto& [id, holding] : holdings) {
-      if (turnOff && MustGoOff(id)) ours.push_back(id);
+      if (turnOff && GoesOff(id)) ours.push_back(id);
     }
-    int result = hasBatches ? TurnOff(ours) : 0;
-    for (std::size_t i = 0; i < ours.size() && !hasBatches && result != kGone; ++i) {
-      if (const int code = TurnOff({ours[i]})) result = code;
-    }
+    const int result = hasBatches || !ours.empty() ? TurnOff(ours) : 0;
     Ask("EndActivationChange");
     holdings.clear();
     return result;
