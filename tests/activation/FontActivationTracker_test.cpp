@@ -307,20 +307,21 @@ TEST_F(Tracker, EveryCallMayFail) {
 }
 
 TEST_F(Tracker, ManuallyActivatedFontsAreTakenOut) {
-  mPlugin.platform.fonts.visible = {"Hand", "Auto"};
+  mPlugin.platform.fonts.visible = {"Hand", "Auto", "System"};
   mManager.Add(1, "Hand");
   mManager.Add(2, "Auto", {{kFP_IsAutoActivatedKey, "1"}});
-  const FontRecordArray fonts =
-      MakeFonts({MakeNamed("Hand"), MakeNamed("Auto"), MakeNamed("Off"), Value()});
+  mManager.Add(3, "System", {{kFP_IsSystemKey, "1"}});
+  const FontRecordArray fonts = MakeFonts(
+      {MakeNamed("Hand"), MakeNamed("System"), MakeNamed("Auto"), MakeNamed("Off"), Value()});
   const auto remove = [&fonts](bool onlyManuallyActivated) {
     FontActivationTracker::RemoveActivatedFonts(fonts, 0, onlyManuallyActivated);
     return 0;
   };
   ExpectLines([&] { return remove(true); },
-              {"ERROR:  fontArray[3] is NULL",
+              {"ERROR:  fontArray[4] is NULL",
                "Font:  'Auto':  kFP_IsAutoActivatedKey=1, kFP_IsSystemKey=0",
                "Font:  'Hand':  kFP_IsAutoActivatedKey=0, kFP_IsSystemKey=0"});
-  EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"Auto", "Off", ""}));
+  EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"System", "Auto", "Off", ""}));
   remove(false);
   EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"Off", ""}));
 }
@@ -347,12 +348,36 @@ TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
   EXPECT_EQ(framework.CountShown("TarnShowProgress"), 1);
   EXPECT_EQ(framework.CountShown("TarnHideProgress"), 1);
 
-  // The whole family is on: the matched font is asked for by itself.
+  // The whole family is on: the matched font is asked for by itself. Nobody is asked for a font
+  // that is here, nor online.
   mPlugin.platform.fonts.visible = {"Fam-Bold", "Fam-Light", "Fam-On"};
-  mManager.Find(1)->info->Set(kFP_IsLocalKey, "1");
-  tracker.OpenFontsForIdentifier(MakeFonts({Element(1)}), "late", false, nullptr, nullptr);
-  EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier("late"), 1u);
-  EXPECT_TRUE(framework.TakeTitles().empty());
+  for (const char* isLocal : {"1", "0"}) {
+    mManager.Find(1)->info->Set(kFP_IsLocalKey, isLocal);
+    tracker.OpenFontsForIdentifier(MakeFonts({Element(1)}), isLocal, false, nullptr, nullptr);
+    EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier(isLocal), 1u);
+    EXPECT_TRUE(framework.TakeTitles().empty());
+    mManager.online = true;
+  }
+  // A family that the font manager has no record of, and a matched font of no family.
+  mManager.fonts.push_back({});
+  ExpectLines(
+      [&] {
+        const FontRecord element = Element(1);
+        element->GetDictionary(kFP_MatchedFontKey)->Remove(kFP_AssignedFamilyGroupNameKey);
+        return tracker.OpenFontsForIdentifier(MakeFonts({element}), "none", false, nullptr,
+                                              nullptr);
+      },
+      {"ERROR:  fontArray[0] is NULL", "*** ERROR: NULL entry in fonts in family array, iFont = 0",
+       "Skipping 'Fam-Bold' because it is already active."});
+  // The window goes also when the sorting fails.
+  mManager.ThrowAt("CountNamedFonts", 0);
+  ExpectLines(
+      [&] {
+        return FaceprintSupport::ProcessDocumentFontsForAutoActivation(
+            MakeFonts({MakeNamed("A")}), MakeFonts({}), MakeFonts({}), true, false, 0, &tarn);
+      },
+      {"Exiting ProcessDocumentFontsForAutoActivation via throw."});
+  EXPECT_EQ(framework.CountShown("TarnHideProgress"), 2);
   KestraneGlobals::CleanUpOnShutdown();  // the shared dialog interface goes before its framework
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "activation/DocumentFontGathering.h"
 #include "fonts/FontDataCache.h"
 #include "support/FakeFontManager.h"
@@ -13,22 +15,16 @@ using namespace FaceprintSupport;
 
 namespace {
 
-class Pipeline : public testing::Test {
- protected:
-  int Process(const FontRecordArray& fonts, bool pickBestMatch = false) {
-    return ProcessDocumentFontsForAutoActivation(fonts, mMatched, mProblems, true, pickBestMatch, 0,
-                                                 nullptr);
-  }
-  std::uint32_t MatchedID(std::size_t index) {
-    const FontRecord font = mMatched->DictionaryAt(index);
-    return font ? RecordDatabaseID(font->GetDictionary(kFP_MatchedFontKey)) : 0;
-  }
-
-  IdentifiedPlugin mPlugin;
-  FakeFontManager mManager;
-  FontRecordArray mMatched = MakeFontRecordArray();
-  FontRecordArray mProblems = MakeFontRecordArray();
+struct Pipeline : testing::Test {
+  IdentifiedPlugin plugin;
+  FakeFontManager manager;
 };
+
+int Sort(const FontRecordArray& fonts, const FontRecordArray& matched,
+         const FontRecordArray& problems, bool pickBestMatch = false) {
+  return ProcessDocumentFontsForAutoActivation(fonts, matched, problems, true, pickBestMatch, 0,
+                                               nullptr);
+}
 
 FontRecord Slug(const char* name, const char* checksum) {
   return MakeRecord({{kFP_PostScriptNameKey, name},
@@ -39,117 +35,173 @@ FontRecord Slug(const char* name, const char* checksum) {
 }  // namespace
 
 TEST_F(Pipeline, EachFontFindsItsPlace) {
-  mManager.workgroups["4"] = "Office";
-  mManager.remoteWorkgroupIDs.insert("9");
-  mManager.Add(1, "Single");
-  mManager.Add(2, "Twice", {{kFP_WorkgroupIDKey, "4"}});
-  mManager.Add(3, "Twice");
-  mManager.Add(4, "OneActive");
-  mManager.Add(5, "OneActive", {}, kActivationStateTemporary);
-  mManager.Add(6, "Slugged", {{kFP_KindKey, "TrueType"}, {kFP_Faceprint_1_2_Key, "50"}},
-               kActivationStateActive);
-  mManager.Add(7, "Slugged", {{kFP_KindKey, "TrueType"}, {kFP_Faceprint_1_2_Key, "60"}});
-  mManager.Add(8, "Remote", {{kFP_WorkgroupIDKey, "9"}});
-  mPlugin.platform.fonts.visible.insert("SystemOnly");
-  const FontRecord single = MakeNamed("Single");
-  LogCapture log;
-  EXPECT_EQ(Process(MakeFonts({single, MakeNamed("Twice"), MakeNamed("OneActive"),
-                               Slug("Slugged", "60"), Slug("Slugged", "61"), Slug("Single", "5"),
-                               MakeNamed("Remote"), MakeNamed("Nowhere"), MakeNamed("SystemOnly"),
-                               PropertyList::Value(), MakeFontRecord()})),
-            0);
-  // The perfect match wins although another candidate is active and sorted before it. Single's
-  // database record knows no kind, so the slug of that name equals no database font.
-  EXPECT_EQ(NamesOf(mMatched), (std::vector<std::string>{"Single", "OneActive", "Slugged"}));
-  EXPECT_EQ(mMatched->DictionaryAt(0), single);
-  EXPECT_EQ(MatchedID(0), 1u);
-  EXPECT_EQ(MatchedID(1), 5u);
-  EXPECT_EQ(MatchedID(2), 7u);
-  EXPECT_EQ(NamesOf(mProblems),
-            (std::vector<std::string>{"Twice", "Slugged", "Single", "Remote", "Nowhere"}));
-  const auto candidates = [this](std::size_t index) {
-    return mProblems->DictionaryAt(index)->GetArray(kFP_PossibleReplacementsKey);
+  manager.workgroups["4"] = "Office";
+  manager.remoteWorkgroupIDs.insert("9");
+  const auto add = [this](std::uint32_t id, const char* name, const char* checksum, bool isOn) {
+    manager.Add(id, name, {{kFP_KindKey, "TrueType"}, {kFP_Faceprint_1_2_Key, checksum}},
+                isOn ? kActivationStateTemporary : kActivationStateInactive);
   };
-  EXPECT_EQ(RecordString(candidates(0)->DictionaryAt(0), kFP_WorkgroupNameKey), "Office");
-  EXPECT_EQ(CountOf(candidates(1)), 2u);
-  EXPECT_FALSE(candidates(3));
-  EXPECT_FALSE(candidates(4));
-  EXPECT_TRUE(
-      log.Has("Font 'SystemOnly' would be reported as missing, but appears to be active.  "
-              "Must be of a type Kestrane does not support."));
-  EXPECT_TRUE(
-      log.Has("...Could not get fontName from entry 10 in "
-              "ProcessDocumentFontsForAutoActivation's allDocumentFonts array."));
-  EXPECT_TRUE(
-      log.Has("Exiting ProcessDocumentFontsForAutoActivation with 3 matchedFonts (1 with "
-              "Faceprint data) and 5 problemFonts (2 with Faceprint data)."));
-}
-
-TEST_F(Pipeline, PickingTheBestAsksNobody) {
-  mManager.Add(2, "Twice", {{kFP_VersionKey, "1.0"}});
-  mManager.Add(3, "Twice", {{kFP_VersionKey, "2.0"}});
-  EXPECT_EQ(Process(MakeFonts({MakeNamed("Twice"), Slug("Twice", "5"), MakeNamed("No")}), true), 0);
-  EXPECT_EQ(MatchedID(0), 3u);
-  EXPECT_EQ(MatchedID(1), 3u);
-  EXPECT_EQ(NamesOf(mProblems), (std::vector<std::string>{"No"}));
+  add(1, "Single", "10", false);
+  manager.Add(2, "Twice", {{kFP_WorkgroupIDKey, "4"}, {kFP_VersionKey, "1.0"}});
+  manager.Add(3, "Twice", {{kFP_VersionKey, "2.0"}});
+  add(4, "OneOn", "40", false);
+  add(5, "OneOn", "50", true);
+  add(6, "Same", "60", false);
+  add(7, "Same", "60", true);
+  manager.Add(8, "Remote", {{kFP_WorkgroupIDKey, "9"}});
+  plugin.platform.fonts.visible.insert("SystemOnly");
+  const struct {
+    FontRecord font;
+    bool pickBestMatch;
+    std::uint32_t matched;                         // 0: none
+    std::optional<std::size_t> replacements = {};  // of a problem font
+  } rows[] = {
+      {MakeNamed("Single"), false, 1},       // the only one of its name
+      {Slug("Single", "10"), false, 1},      // perfect
+      {Slug("Single", "11"), false, 0, 1},   // the only one, and another
+      {MakeNamed("Twice"), false, 0, 2},     //
+      {MakeNamed("Twice"), true, 3},         // the newer
+      {MakeNamed("OneOn"), false, 5},        // on already
+      {Slug("OneOn", "40"), false, 4},       // the perfect one is not the one that is on
+      {Slug("OneOn", "40"), true, 4},        //
+      {Slug("OneOn", "45"), false, 0, 2},    // none is perfect, on or not
+      {Slug("OneOn", "45"), true, 5},        //
+      {Slug("Same", "60"), false, 7},        // the first of two perfect ones
+      {MakeNamed("Remote"), false, 0, 0},    //
+      {MakeNamed("Nowhere"), true, 0, 0},    //
+      {MakeNamed("SystemOnly"), false, 0},   // in neither list
+      {MakeRecord({{"k", "v"}}), false, 0},  //
+      {nullptr, false, 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    const FontRecordArray matched = MakeFonts({});
+    const FontRecordArray problems = MakeFonts({});
+    EXPECT_EQ(Sort(MakeFonts({row.font}), matched, problems, row.pickBestMatch), 0);
+    ASSERT_EQ(matched->Count(), row.matched == 0 ? 0u : 1u);
+    ASSERT_EQ(problems->Count(), row.replacements ? 1u : 0u);
+    const FontRecord& own = row.font;  // the record itself goes into a list
+    if (row.matched != 0) {
+      EXPECT_EQ(matched->DictionaryAt(0), own);
+      EXPECT_EQ(RecordDatabaseID(own->GetDictionary(kFP_MatchedFontKey)), row.matched);
+    }
+    if (row.replacements) {
+      EXPECT_EQ(problems->DictionaryAt(0), own);
+      EXPECT_EQ(CountOf(own->GetArray(kFP_PossibleReplacementsKey)), *row.replacements);
+      EXPECT_EQ(RecordHas(own, kFP_PossibleReplacementsKey), *row.replacements != 0);
+    }
+  }
+  const FontRecordArray ofTwice = rows[3].font->GetArray(kFP_PossibleReplacementsKey);
+  EXPECT_EQ(RecordString(ofTwice->DictionaryAt(1), kFP_WorkgroupNameKey), "Office");
+  const LogCapture log;
+  EXPECT_EQ(Sort(MakeFonts({Slug("Same", "60"), Slug("OneOn", "45"), MakeNamed("Nowhere"),
+                            MakeNamed("SystemOnly"), MakeFontRecord()}),
+                 MakeFonts({}), MakeFonts({})),
+            0);
+  for (const char* line :
+       {"Font 'SystemOnly' would be reported as missing, but appears to be active.  Must be of a "
+        "type Kestrane does not support.",
+        "...Could not get fontName from entry 4 in ProcessDocumentFontsForAutoActivation's "
+        "allDocumentFonts array.",
+        "Exiting ProcessDocumentFontsForAutoActivation with 1 matchedFonts (1 with Faceprint data) "
+        "and 2 problemFonts (1 with Faceprint data)."}) {
+    EXPECT_TRUE(log.Has(line)) << line;
+  }
 }
 
 TEST_F(Pipeline, ErrorsLoseOneFontAndALostManagerEndsTheWalk) {
+  const FontRecordArray fonts = MakeFonts({});
   for (const char* name : {"A", "B", "C", "D"}) {
-    mManager.Add(static_cast<std::uint32_t>(*name), name);
+    manager.Add(static_cast<std::uint32_t>(*name), name);
+    fonts->Append(MakeNamed(name));
   }
-  mManager.FailAt("CountNamedFonts", 2, -1);
-  mManager.FailAt("GetNamedFontInfo", 2, kErrorKestraneNotRunning);
-  const FontRecordArray fonts =
-      MakeFonts({MakeNamed("A"), MakeNamed("B"), MakeNamed("C"), MakeNamed("D")});
-  EXPECT_EQ(Process(fonts), kErrorKestraneNotRunning);
-  EXPECT_EQ(NamesOf(mMatched), (std::vector<std::string>{"A"}));
-  EXPECT_EQ(mProblems->Count(), 0u);
-
-  mManager.ThrowAt("CountNamedFonts", mManager.CountOfCalls("CountNamedFonts") + 1);
-  EXPECT_THROW(Process(fonts), std::runtime_error);
-  EXPECT_EQ(Process(nullptr), -50);
-  mManager.connected = false;
-  EXPECT_EQ(Process(fonts), kErrorKestraneNotRunning);
-  EXPECT_EQ(AppendFaceprintDataToFonts(fonts, 0, true, true, true), kErrorKestraneNotRunning);
+  const FontRecordArray matched = MakeFonts({});
+  manager.FailAt("CountNamedFonts(P:B)", 0, -1);
+  EXPECT_EQ(Sort(fonts, matched, matched), 0);
+  EXPECT_EQ(NamesOf(matched), (std::vector<std::string>{"A", "C", "D"}));
+  manager.FailAt("GetNamedFontInfo(C)", 0, kErrorKestraneNotRunning);
+  EXPECT_EQ(Sort(fonts, matched, matched), kErrorKestraneNotRunning);
+  EXPECT_EQ(matched->Count(), 4u);
+  FontRecordArray ids;
+  for (const int code : {-50, kErrorKestraneNotRunning}) {
+    EXPECT_EQ(Sort(nullptr, matched, matched), code);
+    EXPECT_EQ(Sort(fonts, nullptr, matched), code);
+    EXPECT_EQ(Sort(fonts, matched, nullptr), code);
+    EXPECT_EQ(AppendFaceprintDataToFonts(nullptr, 0, true, true, true), code);
+    EXPECT_EQ(FindIDsForBestMatches(fonts, nullptr, 0), code);
+    EXPECT_EQ(FindIDsForBestMatches(nullptr, &ids, 0), code);
+    manager.connected = false;
+  }
 }
 
-TEST_F(Pipeline, AppendingReplacesDecoratedNames) {
-  mManager.Add(1, "Foo", {{kFP_VersionKey, "1"}, {kFP_PathKey, "/f"}});
-  const FontRecordArray fonts = MakeFonts({MakeNamed("ABCDEF+Foo"), MakeNamed("No")});
-  LogCapture log;
-  EXPECT_EQ(AppendFaceprintDataToFonts(fonts, 0, false, true, true), 0);
-  EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"No", "Foo"}));
-  EXPECT_EQ(RecordDatabaseID(fonts->DictionaryAt(1)), 1u);
-  EXPECT_EQ(AppendFaceprintDataToFonts(fonts, 0, false, false, false), 0);
-  EXPECT_FALSE(RecordHas(fonts->DictionaryAt(1), kFP_DatabaseIDKey));
-  EXPECT_TRUE(RecordHas(fonts->DictionaryAt(1), kFP_VersionKey));
-  EXPECT_TRUE(log.Has("ERROR:  RemoveUnsluggableFaceprintKeys() apparently failed."));
-}
-
-TEST_F(Pipeline, AppendingActiveFontsOnly) {
-  mManager.Add(1, "On", {}, kActivationStateActive);
-  mManager.Add(2, "Off");
-  mManager.Add(3, "Fam-Bold", {{kFP_FamilyKey, "Fam"}}, kActivationStateActive);
-  mManager.Add(4, "Cached", {}, kActivationStateActive);
+TEST_F(Pipeline, AppendingCompletesOrReplacesOrRemoves) {
+  using Names = std::vector<std::string>;
+  manager.Add(1, "Foo", {{kFP_VersionKey, "1"}, {kFP_PathKey, "/f"}});
+  manager.Add(2, "On", {}, kActivationStateActive);
+  manager.Add(3, "Fam-Bold", {{kFP_FamilyKey, "Fam"}}, kActivationStateActive);
+  manager.Add(4, "Cached", {}, kActivationStateActive);
+  manager.FailAt("CountNamedFonts(P:Fam-Light)", 0, -1);
   FontManagerInterface::FontOrSetInfoRec rec{1, 4, kActivationStateActive, nullptr};
   rec.info = MakeRecord(
       {{kFP_PostScriptNameKey, "Cached"}, {kFP_DatabaseIDKey, "4"}, {kFP_ActivationStateKey, "2"}});
   FontDataPreviouslyGottenFromDatabase::Add(4, rec);
-  const FontRecordArray fonts =
-      MakeFonts({MakeNamed("On"), MakeNamed("Off"), MakeNamed("Fam-Light"), MakeNamed("Cached")});
-  EXPECT_EQ(AppendFaceprintDataToFonts(fonts, 0, true, true, true), 0);
-  EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"On", "Cached", "Fam-Bold"}));
-  FontDataPreviouslyGottenFromDatabase::DeleteAll();
-  for (const std::string& call : mManager.CallsOf("CountNamedFonts")) {
-    EXPECT_NE(call, "CountNamedFonts(P:Cached)");
+  const struct {
+    const char* name;
+    bool activeOnly, allInfo, families;
+    Names names, calls;  // what is left, and what was counted
+    const char* line;
+  } rows[] = {
+      {"ABCDEF+Foo", false, true, true, {"Foo"}, {"P:ABCDEF+Foo", "P:ABCDEFFoo", "P:Foo"}, ""},
+      {"Foo",
+       false,
+       false,
+       true,
+       {"Foo"},
+       {"P:Foo"},
+       "ERROR:  RemoveUnsluggableFaceprintKeys() apparently failed."},
+      {"Foo", true, true, true, {}, {"P:Foo"}, "Removing inactive 'Foo' from fonts."},
+      {"On", true, true, true, {"On"}, {"P:On"}, ""},
+      {"Cached",
+       true,
+       true,
+       true,
+       {"Cached"},
+       {},
+       "Using cached faceprint data for the active version of Cached"},
+      {"Cached", false, true, true, {"Cached"}, {"P:Cached"}, ""},
+      {"Fam-Light",
+       true,
+       true,
+       true,
+       {"Fam-Bold"},
+       {"P:Fam-Light", "F:Fam"},
+       "Removing inactive 'Fam-Light' from fonts."},
+      {"Fam-Light", true, true, false, {}, {"P:Fam-Light"}, ""},
+      {"Fam-Light", false, true, true, {"Fam-Light"}, {"P:Fam-Light"}, ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    manager.calls.clear();
+    const LogCapture log;
+    const FontRecordArray fonts = MakeFonts({MakeNamed(row.name)});
+    AppendFaceprintDataToFonts(fonts, 0, row.activeOnly, row.allInfo, row.families);
+    EXPECT_EQ(NamesOf(fonts), row.names);
+    Names counted;
+    for (const std::string& call : manager.CallsOf("CountNamedFonts")) {
+      counted.push_back(call.substr(16, call.size() - 17));
+    }
+    EXPECT_EQ(counted, row.calls);
+    EXPECT_TRUE(*row.line == '\0' || log.Has(row.line)) << row.line;
+    const bool isFound = !row.names.empty() && row.names[0] != "Fam-Light";
+    EXPECT_EQ(RecordHas(fonts->DictionaryAt(0), kFP_DatabaseIDKey), isFound && row.allInfo);
   }
+  FontDataPreviouslyGottenFromDatabase::DeleteAll();
 }
 
 TEST_F(Pipeline, IDsOfTheLastFontRemain) {
-  mManager.Add(1, "A");
-  mManager.Add(2, "B-Bold", {{kFP_FamilyKey, "B"}});
-  mManager.Add(3, "B-Light", {{kFP_FamilyKey, "B"}});
+  manager.Add(1, "A");
+  manager.Add(2, "B-Bold", {{kFP_FamilyKey, "B"}});
+  manager.Add(3, "B-Light", {{kFP_FamilyKey, "B"}});
   FontRecordArray matched;
   EXPECT_EQ(FindIDsForBestMatches(MakeFonts({MakeNamed("A"), MakeRecord({{kFP_FamilyKey, "B"}})}),
                                   &matched, 7),
