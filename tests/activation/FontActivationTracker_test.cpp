@@ -338,7 +338,7 @@ TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
   mManager.Add(3, "Fam-On", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
   mPlugin.platform.fonts.visible.insert("Fam-On");
   mManager.online = false;
-  EXPECT_EQ(tracker.OpenFontsForIdentifier(MakeFonts({Element(1), Element(2)}), "doc", true,
+  EXPECT_EQ(tracker.OpenFontsForIdentifier(MakeFonts({Element(1), Element(3)}), "doc", true,
                                            nullptr, nullptr),
             0);
   EXPECT_EQ(mManager.CallsOf("ActivateFontsByID").back(), "ActivateFontsByID(1,2)");
@@ -353,6 +353,7 @@ TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
   mPlugin.platform.fonts.visible = {"Fam-Bold", "Fam-Light", "Fam-On"};
   for (const char* isLocal : {"1", "0"}) {
     mManager.Find(1)->info->Set(kFP_IsLocalKey, isLocal);
+    mManager.Find(1)->state = kActivationStateInactive;
     tracker.OpenFontsForIdentifier(MakeFonts({Element(1)}), isLocal, false, nullptr, nullptr);
     EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier(isLocal), 1u);
     EXPECT_TRUE(framework.TakeTitles().empty());
