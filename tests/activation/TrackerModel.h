@@ -39,6 +39,12 @@ struct TrackerModel {
   std::vector<std::string> calls;
   IDs turnedOff;
 
+  static int CodeOf(const std::function<int()>& step) try {
+    return step();
+  } catch (const std::exception&) {
+    return kThrows;
+  }
+
   int Ask(const std::string& operation, const std::string& arguments = "") {
     calls.push_back(operation + "(" + arguments + ")");
     if (failure.first != operation && failure.first != calls.back()) return 0;

@@ -19,28 +19,9 @@ namespace {
 using ID = TrackerModel::ID;
 using IDs = TrackerModel::IDs;
 
-// What can be seen after a step.
-struct Outcome {
-  int code;
-  std::vector<std::string> calls;
-  IDs on;
-  IDs turnedOff;  // by a closing
-  std::vector<std::size_t> registered;
-  bool operator==(const Outcome&) const = default;
-};
-
-std::string Print(const Outcome& outcome) {
-  return testing::PrintToString(
-      std::tie(outcome.code, outcome.calls, outcome.on, outcome.turnedOff, outcome.registered));
-}
-
-int CodeOf(const std::function<int()>& step) {
-  try {
-    return step();
-  } catch (const std::exception&) {
-    return TrackerModel::kThrows;
-  }
-}
+// What can be seen after a step: code, calls, fonts that are on, fonts that a closing says it
+// turned off, and the registrations of each document.
+using Outcome = std::tuple<int, std::vector<std::string>, IDs, IDs, std::vector<std::size_t>>;
 
 class Sequence {
  public:
@@ -57,8 +38,8 @@ class Sequence {
     SetTheScene();
     const std::string document = std::array{"one", "two", "three", ""}[Any(4)];
     const bool turnOff = !OneIn(3);
-    const FontRecordArray off = MakeFontRecordArray();
     const unsigned kind = Any(10);
+    const FontRecordArray fonts = MakeFontRecordArray();
     if (kind == 0) {
       // What a quit that throws leaves behind is not among the rules.
       if (mModel.failure.second == TrackerModel::kThrows) mModel.failure = {};
@@ -68,14 +49,14 @@ class Sequence {
     if (kind < 5) {
       return Compare(
           [&] { return mModel.Close(document, turnOff); },
-          [&] { return mTracker.CloseAllFontsForIdentifier(document, turnOff, false, off); }, off);
+          [&] { return mTracker.CloseAllFontsForIdentifier(document, turnOff, false, fonts); },
+          fonts);
     }
     std::vector<TrackerModel::Match> matches(kind - 5 + Any(3));
-    const FontRecordArray fonts = MakeFontRecordArray();
-    for (TrackerModel::Match& match : matches) {
-      match.id = Any(5) + 1;
-      match.isActive = mModel.fonts[match.id].isOn != OneIn(8);
-      fonts->Append(Element(match));
+    for (auto& [id, isActive] : matches) {
+      id = Any(5) + 1;
+      isActive = mModel.fonts[id].isOn != OneIn(8);
+      fonts->Append(Element(id, isActive));
     }
     return Compare([&] { return mModel.Open(document, matches, "part"); },
                    [&] {
@@ -110,45 +91,43 @@ class Sequence {
     mModel.failure = {};
     if (!OneIn(3)) return;
     const auto operation = std::array{"ActivateFontsByID", "DeactivateFonts", "DeactivateFont",
-                                      "DeactivateFont(2)", "GetClientFontActivationStates"}[Any(5)];
-    mModel.failure = {operation,
-                      std::array{-1, TrackerModel::kGone, TrackerModel::kThrows}[Any(3)]};
+                                      "DeactivateFont(2)", "GetClientFontActivationStates"};
+    const auto code = std::array{-1, TrackerModel::kGone, TrackerModel::kThrows};
+    mModel.failure = {operation[Any(5)], code[Any(3)]};
   }
 
   // Nobody changes one, so the sequences share them.
-  FontRecord Element(const TrackerModel::Match& match) {
+  FontRecord Element(ID id, bool isActive) {
     static std::map<std::pair<ID, bool>, FontRecord> elements;
-    FontRecord& element = elements[{match.id, match.isActive}];
-    if (!element) {
-      const FontRecord matched = mManager.Find(match.id)->info->Copy();
-      matched->Set(kFP_IsActiveKey, match.isActive ? "1" : "0");
-      element = MakeRecord(
-          {{kFP_MatchedFontKey, matched}, {kFP_SubDocumentsWithFontKey, MakeFonts({7, "part"})}});
-    }
-    return element;
+    FontRecord& element = elements[{id, isActive}];
+    if (element) return element;
+    const FontRecord matched = mManager.Find(id)->info->Copy();
+    matched->Set(kFP_IsActiveKey, isActive ? "1" : "0");
+    return element = MakeRecord({{kFP_MatchedFontKey, matched},
+                                 {kFP_SubDocumentsWithFontKey, MakeFonts({7, "part"})}});
   }
 
   std::string Compare(const std::function<int()>& ofModel, const std::function<int()>& ofTracker,
                       const FontRecordArray& turnedOff) {
-    if (mModel.failure.second != 0) {
-      mManager.FailAt(mModel.failure.first, 0, mModel.failure.second);
-    }
-    Outcome right{CodeOf(ofModel), mModel.calls, {}, {}, {}};
-    Outcome found{CodeOf(ofTracker), mManager.calls, {}, {}, {}};
+    const auto& [failing, failure] = mModel.failure;
+    if (failure != 0) mManager.FailAt(failing, 0, failure);
+    Outcome right{TrackerModel::CodeOf(ofModel), mModel.calls, {}, {}, {}};
+    Outcome found{TrackerModel::CodeOf(ofTracker), mManager.calls, {}, {}, {}};
     for (const auto& [id, font] : mModel.fonts) {
-      if (font.isOn) right.on.push_back(id);
-      if (mManager.Find(id)->state == kActivationStateActive) found.on.push_back(id);
+      if (font.isOn) std::get<2>(right).push_back(id);
+      if (mManager.Find(id)->state == kActivationStateActive) std::get<2>(found).push_back(id);
     }
-    if (turnedOff) right.turnedOff = mModel.turnedOff;
+    if (turnedOff) std::get<3>(right) = mModel.turnedOff;
     for (std::size_t i = 0; i < CountOf(turnedOff); ++i) {
-      found.turnedOff.push_back(RecordDatabaseID(turnedOff->DictionaryAt(i)));
+      std::get<3>(found).push_back(RecordDatabaseID(turnedOff->DictionaryAt(i)));
     }
     for (const char* document : {"one", "two", "three", "part", ""}) {
       const auto held = mModel.documents.find(document);
-      right.registered.push_back(held == mModel.documents.end() ? 0 : held->second.size());
-      found.registered.push_back(mTracker.CountFontsRegisteredForIdentifier(document));
+      std::get<4>(right).push_back(held == mModel.documents.end() ? 0 : held->second.size());
+      std::get<4>(found).push_back(mTracker.CountFontsRegisteredForIdentifier(document));
     }
-    return found == right ? "" : Print(found) + " instead of " + Print(right);
+    if (found == right) return "";
+    return testing::PrintToString(found) + " instead of " + testing::PrintToString(right);
   }
 
   std::mt19937 mRandom;
