@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <array>
 
 #include "activation/DocumentFontGathering.h"
 #include "fonts/FontDataCache.h"
@@ -53,51 +53,46 @@ TEST_F(Pipeline, EachFontFindsItsPlace) {
   const struct {
     FontRecord font;
     bool pickBestMatch;
-    std::uint32_t matched;                         // 0: none
-    std::optional<std::size_t> replacements = {};  // of a problem font
+    std::string place;  // the matched ID, "?" and the candidates' workgroups, or neither list
   } rows[] = {
-      {MakeNamed("Single"), false, 1},       // the only one of its name
-      {Slug("Single", "10"), false, 1},      // perfect
-      {Slug("Single", "11"), false, 0, 1},   // the only one, and another
-      {MakeNamed("Twice"), false, 0, 2},     //
-      {MakeNamed("Twice"), true, 3},         // the newer
-      {MakeNamed("OneOn"), false, 5},        // on already
-      {Slug("OneOn", "40"), false, 4},       // the perfect one is not the one that is on
-      {Slug("OneOn", "40"), true, 4},        //
-      {Slug("OneOn", "45"), false, 0, 2},    // none is perfect, on or not
-      {Slug("OneOn", "45"), true, 5},        //
-      {Slug("Same", "60"), false, 7},        // the first of two perfect ones
-      {MakeNamed("Remote"), false, 0, 0},    //
-      {MakeNamed("Nowhere"), true, 0, 0},    //
-      {MakeNamed("SystemOnly"), false, 0},   // in neither list
-      {MakeRecord({{"k", "v"}}), false, 0},  //
-      {nullptr, false, 0},
+      {MakeNamed("Single"), false, "1"},         // the only one of its name
+      {Slug("Single", "10"), false, "1"},        // perfect
+      {Slug("Single", "11"), false, "?-"},       // the only one, and another
+      {MakeNamed("Twice"), false, "?-Office-"},  // neither is on
+      {MakeNamed("Twice"), true, "3"},           // the newer
+      {MakeNamed("OneOn"), false, "5"},          // the one that is on
+      {Slug("OneOn", "40"), false, "4"},         // the perfect one is not the one that is on
+      {Slug("OneOn", "40"), true, "4"},          // nor the best
+      {Slug("OneOn", "45"), false, "?--"},       // none is perfect, on or not
+      {Slug("OneOn", "45"), true, "5"},          // the best
+      {Slug("Same", "60"), false, "7"},          // the first of two perfect ones
+      {MakeNamed("Remote"), false, "?"},         // as if it were not there
+      {MakeNamed("Nowhere"), true, "?"},         // missing
+      {MakeNamed("SystemOnly"), false, ""},      // of a kind that the database does not have
+      {MakeFontRecord(), false, ""},             // without a name
+      {nullptr, false, ""},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(&row - rows);
+  for (const auto& [font, pickBestMatch, place] : rows) {
     const FontRecordArray matched = MakeFonts({});
     const FontRecordArray problems = MakeFonts({});
-    EXPECT_EQ(Sort(MakeFonts({row.font}), matched, problems, row.pickBestMatch), 0);
-    ASSERT_EQ(matched->Count(), row.matched == 0 ? 0u : 1u);
-    ASSERT_EQ(problems->Count(), row.replacements ? 1u : 0u);
-    const FontRecord& own = row.font;  // the record itself goes into a list
-    if (row.matched != 0) {
-      EXPECT_EQ(matched->DictionaryAt(0), own);
-      EXPECT_EQ(RecordDatabaseID(own->GetDictionary(kFP_MatchedFontKey)), row.matched);
+    EXPECT_EQ(Sort(MakeFonts({font}), matched, problems, pickBestMatch), 0);
+    std::string found;
+    if (matched->Count() == 1 && matched->DictionaryAt(0) == font) {
+      found += RecordString(font->GetDictionary(kFP_MatchedFontKey), kFP_DatabaseIDKey);
     }
-    if (row.replacements) {
-      EXPECT_EQ(problems->DictionaryAt(0), own);
-      EXPECT_EQ(CountOf(own->GetArray(kFP_PossibleReplacementsKey)), *row.replacements);
-      EXPECT_EQ(RecordHas(own, kFP_PossibleReplacementsKey), *row.replacements != 0);
+    if (problems->Count() == 1 && problems->DictionaryAt(0) == font) {
+      const FontRecordArray candidates = font->GetArray(kFP_PossibleReplacementsKey);
+      found += "?";
+      for (std::size_t i = 0; i < CountOf(candidates); ++i) {
+        found += RecordString(candidates->DictionaryAt(i), kFP_WorkgroupNameKey) + "-";
+      }
     }
+    EXPECT_EQ(found, place) << RecordString(font, kFP_PostScriptNameKey);
   }
-  const FontRecordArray ofTwice = rows[3].font->GetArray(kFP_PossibleReplacementsKey);
-  EXPECT_EQ(RecordString(ofTwice->DictionaryAt(1), kFP_WorkgroupNameKey), "Office");
   const LogCapture log;
-  EXPECT_EQ(Sort(MakeFonts({Slug("Same", "60"), Slug("OneOn", "45"), MakeNamed("Nowhere"),
-                            MakeNamed("SystemOnly"), MakeFontRecord()}),
-                 MakeFonts({}), MakeFonts({})),
-            0);
+  Sort(MakeFonts({Slug("Same", "60"), Slug("OneOn", "45"), MakeNamed("Nowhere"),
+                  MakeNamed("SystemOnly"), MakeFontRecord()}),
+       MakeFonts({}), MakeFonts({}));
   for (const char* line :
        {"Font 'SystemOnly' would be reported as missing, but appears to be active.  Must be of a "
         "type Kestrane does not support.",
@@ -203,54 +198,58 @@ TEST_F(Pipeline, IDsOfTheLastFontRemain) {
   manager.Add(2, "B-Bold", {{kFP_FamilyKey, "B"}});
   manager.Add(3, "B-Light", {{kFP_FamilyKey, "B"}});
   FontRecordArray matched;
-  EXPECT_EQ(FindIDsForBestMatches(MakeFonts({MakeNamed("A"), MakeRecord({{kFP_FamilyKey, "B"}})}),
-                                  &matched, 7),
-            0);
+  const FontRecordArray fonts = MakeFonts({MakeNamed("A"), MakeRecord({{kFP_FamilyKey, "B"}})});
+  EXPECT_EQ(FindIDsForBestMatches(fonts, &matched, 7), 0);
   EXPECT_EQ(NamesOf(matched), (std::vector<std::string>{"B-Bold", "B-Light"}));
   const FontRecord inner = matched->DictionaryAt(1)->GetDictionary(kFP_MatchedFontKey);
   EXPECT_EQ(RecordDatabaseID(inner), 3u);
   EXPECT_EQ(RecordInteger(inner, kFP_WorkgroupIDKey), 7);
-  FindIDsForBestMatches(MakeFontRecordArray(), &matched, 7);
-  EXPECT_EQ(CountOf(matched), 0u);
-  EXPECT_TRUE(matched);
+  FindIDsForBestMatches(MakeFonts({}), &matched, 7);
+  EXPECT_TRUE(matched && matched->IsEmpty());
 }
 
 TEST_F(Pipeline, ExactlyOneXMPMatch) {
-  const auto font = [](const char* version) {
-    return MakeRecord({{kFP_PostScriptNameKey, "F"},
-                       {kFP_FamilyKey, "F"},
-                       {kFP_KindKey, "TrueType"},
-                       {kFP_VersionKey, version}});
-  };
   const FontRecord source = MakeRecord({{kFP_PostScriptNameKey, "F"},
                                         {"AdobeXMPFontData_Family", "F"},
                                         {"AdobeXMPFontData_Type", "TrueType"},
                                         {"AdobeXMPFontData_VersionString", "1.25"}});
+  FontRecord fonts[3];
+  for (std::size_t i = 0; i < 3; ++i) {
+    fonts[i] = source->Copy();
+    fonts[i]->Set(kFP_FamilyKey, "F");
+    fonts[i]->Set(kFP_KindKey, "TrueType");
+    fonts[i]->Set(kFP_VersionKey, std::array{"3", "1.2", "1.25"}[i]);
+  }
+  const auto find = AdobeXMPMatchesExactlyOnePossibleReplacement;
   FontRecord found;
-  const FontRecord right = font("1.2");
-  EXPECT_TRUE(
-      AdobeXMPMatchesExactlyOnePossibleReplacement(source, MakeFonts({font("3"), right}), &found));
-  EXPECT_EQ(found, right);
-  EXPECT_FALSE(AdobeXMPMatchesExactlyOnePossibleReplacement(
-      source, MakeFonts({font("1.25"), right}), &found));
-  EXPECT_FALSE(found);
+  EXPECT_TRUE(find(source, MakeFonts({fonts[0], fonts[1]}), &found));
+  EXPECT_EQ(found, fonts[1]);
+  EXPECT_FALSE(find(source, MakeFonts({fonts[2], fonts[1]}), &found));
+  EXPECT_FALSE(found || find(source, nullptr, nullptr));
 }
 
 TEST(DocumentFontGathering, RemovesWhatStandsForNoFont) {
-  const auto withReplacements = [](const char* name, const FontRecordArray& replacements) {
-    return MakeRecord({{kFP_PostScriptNameKey, name}, {kFP_PossibleReplacementsKey, replacements}});
+  using namespace CommonFunctionality;
+  const auto replaced = [](const FontRecordArray& replacements) {
+    return MakeRecord(
+        {{kFP_PostScriptNameKey, "AdobeInvisFont"}, {kFP_PossibleReplacementsKey, replacements}});
   };
   const FontRecordArray fonts =
       MakeFonts({MakeNamed("PhotoshopKinsokuHard"), MakeNamed("adobeInvisFont"),
-                 withReplacements("AdobeInvisFont", MakeFonts({MakeNamed("X")})), MakeNamed("A"),
-                 withReplacements("AdobeInvisFont", MakeFontRecordArray())});
-  CommonFunctionality::RemoveFontsThatHaveNoPossibleReplacement(fonts);
+                 replaced(MakeFonts({MakeNamed("X")})), MakeNamed("A"), replaced(MakeFonts({}))});
+  const LogCapture log;
+  RemoveFontsThatHaveNoPossibleReplacement(fonts);
   EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"adobeInvisFont", "AdobeInvisFont", "A"}));
-  CommonFunctionality::RemoveMatchingFonts(fonts, "");
-  CommonFunctionality::RemoveMatchingFonts(fonts, "Invis");
-  EXPECT_EQ(fonts->Count(), 3u);
-  CommonFunctionality::RemoveMatchingFonts(fonts, "Adobe");
+  for (const char* prefix : {"", "Invis", "Adobe"}) RemoveMatchingFonts(fonts, prefix);
   EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"adobeInvisFont", "A"}));
-  CommonFunctionality::RemoveFontsThatHaveNoPossibleReplacement(nullptr);
-  CommonFunctionality::RemoveMatchingFonts(nullptr, "A");
+  EXPECT_EQ(log.lines,
+            (std::vector<std::string>{
+                "RemoveFontsThatHaveNoPossibleReplacement() removing 'AdobeInvisFont' from "
+                "problemFonts\n",
+                "RemoveFontsThatHaveNoPossibleReplacement() removing 'PhotoshopKinsokuHard' from "
+                "problemFonts\n",
+                "RemoveMatchingFonts() removing 'AdobeInvisFont' because it starts with "
+                "'Adobe'\n"}));
+  RemoveFontsThatHaveNoPossibleReplacement(nullptr);
+  RemoveMatchingFonts(nullptr, "A");
 }
