@@ -131,8 +131,10 @@ double MicrosecondsOf(const std::function<void()>& work) {
 // Both in turn, and the fastest of each counts.
 void OpenAndClose(benchmark::State& state) {
   const FontRecordArray fonts = MatchedFonts(static_cast<std::uint32_t>(state.range(1)));
-  std::vector<std::string> documents;
-  for (int i = 0; i < state.range(0); ++i) documents.push_back("document " + std::to_string(i));
+  std::vector<std::string> documents(static_cast<std::size_t>(state.range(0)));
+  for (std::string& document : documents) {
+    document = "document " + std::to_string(&document - documents.data());
+  }
   const auto registrations = static_cast<double>(state.range(0) * state.range(1));
   const WillingFontManager manager;
   double ours = 1e12;

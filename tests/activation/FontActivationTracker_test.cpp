@@ -67,20 +67,18 @@ TEST_F(Tracker, TheLogTellsWhatBecomesOfEachFont) {
   mManager.Add(5, "C", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
   platform.fonts.visible = {"Fam"};
   mManager.unable = {5};
+  const std::string sameName =
+      " because a different font with the same postscript name is already ";
+  const std::string family = "The OS thinks the 'Fam' font family is active, but Nodrix says 'C' ";
   ExpectLines(
       [&] {
         return Open("one", {1, 1, 2, 3, 3, 4, 5});
       },
       {"Preparing 7 fonts for batch-activation...", "Adding 'A' (1) because it is not active.",
-       "--- Skipping family font with fontID 1 (\"A\"), which is already in the array to "
-       "activate",
-       "Skipping 'A' (2) because a different font with the same postscript name is already "
-       "in the array.",
+       "--- Skipping family font with fontID 1 (\"A\"), which is already in the array to activate",
+       "Skipping 'A' (2)" + sameName + "in the array.",
        "Skipping 'B' because it is already active.", "Skipping 'B' because it is already active.",
-       "Skipping 'B' (4) because a different font with the same postscript name is already "
-       "active.",
-       "The OS thinks the 'Fam' font family is active, but Nodrix says 'C' is not. Treating "
-       "it as a system font",
+       "Skipping 'B' (4)" + sameName + "active.", family + "is not. Treating it as a system font",
        "Adding 'C' (5) because it is not active.", "Ready to batch-activate 2 fonts",
        "Calling SetMissingFontsDialogNeeded() because 1 of 2 fonts were activated."});
   std::size_t alreadyActive = 9;

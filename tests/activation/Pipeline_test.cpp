@@ -158,7 +158,7 @@ TEST_F(Pipeline, AppendingCompletesOrReplacesOrRemoves) {
   };
   for (const auto& [name, how, left, counted, line] : rows) {
     SCOPED_TRACE(std::string(name) + " " + how);
-    const auto is = [&how](char flag) { return std::strchr(how, flag) != nullptr; };
+    const auto is = [flags = how](char flag) { return std::strchr(flags, flag) != nullptr; };
     manager.calls.clear();
     const LogCapture log;
     const FontRecordArray fonts = MakeFonts({MakeNamed(name)});
@@ -172,7 +172,7 @@ TEST_F(Pipeline, AppendingCompletesOrReplacesOrRemoves) {
     }
     EXPECT_EQ(calls, counted);
     EXPECT_TRUE(line == nullptr || log.Has(line)) << line;
-    const bool isKnown = names != "" && names != "Fam-Light ";
+    const bool isKnown = !names.empty() && names != "Fam-Light ";
     EXPECT_EQ(RecordHas(fonts->DictionaryAt(0), kFP_DatabaseIDKey), isKnown && is('i'));
   }
   FontDataPreviouslyGottenFromDatabase::DeleteAll();
