@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <regex>
 
+#include "activation/Pipeline.h"
+#include "activation/TrackerModel.h"
 #include "dialogs/TarnInterface.h"
 #include "support/FakeFontManager.h"
 #include "support/FakeTarn.h"
@@ -14,8 +15,10 @@
 
 namespace {
 
-class Tracker : public testing::Test {
- protected:
+using PropertyList::Value;
+
+// A tracker over a font manager that is a table.
+struct Books {
   // A document font whose match is the database font as it is now.
   FontRecord Element(std::uint32_t id) {
     const FakeFontManager::Font* font = mManager.Find(id);
@@ -23,309 +26,338 @@ class Tracker : public testing::Test {
     matched->Set(kFP_IsActiveKey, font->state >= kActivationStateActive ? "1" : "0");
     return MakeRecord({{kFP_PostScriptNameKey, "Doc"}, {kFP_MatchedFontKey, matched}});
   }
+  int Open(const char* document, const FontRecordArray& fonts) {
+    return mTracker.OpenFontsForIdentifier(fonts, document, true, nullptr, nullptr);
+  }
   int Open(const char* document, std::initializer_list<std::uint32_t> ids) {
     const FontRecordArray fonts = MakeFontRecordArray();
     for (const std::uint32_t id : ids) fonts->Append(Element(id));
-    return mTracker.OpenFontsForIdentifier(fonts, document, false, nullptr, nullptr);
+    return Open(document, fonts);
   }
-  int Close(const char* document, bool deactivate = true) {
-    return mTracker.CloseAllFontsForIdentifier(document, deactivate, false, nullptr);
-  }
-  bool IsOn(std::uint32_t id) { return mManager.Find(id)->state >= kActivationStateActive; }
-  std::string LastCall(const char* operation) {
-    const std::vector<std::string> calls = mManager.CallsOf(operation);
-    return calls.empty() ? "" : calls.back();
+  int Close(const char* document) {
+    return mTracker.CloseAllFontsForIdentifier(document, true, false, nullptr);
   }
 
-  IdentifiedPlugin mPlugin;
   FakeFontManager mManager;
-  FontActivationTracker mTracker{nullptr};
+  FontActivationTracker mTracker;
+  explicit Books(TarnInterface* tarn = nullptr) : mTracker(tarn) {}
 };
+
+class Tracker : public testing::Test, protected IdentifiedPlugin, protected Books {};
+
+// The step writes these lines in this order, among others.
+void ExpectLines(const std::function<int()>& step, const std::vector<std::string>& lines) {
+  const LogCapture log;
+  TrackerModel::CodeOf(step);
+  auto at = log.lines.begin();
+  for (const std::string& line : lines) {
+    at = std::find(at, log.lines.end(), line + "\n");
+    ASSERT_TRUE(at != log.lines.end()) << line << " in " << testing::PrintToString(log.lines);
+    ++at;
+  }
+}
 
 }  // namespace
 
-TEST_F(Tracker, OpensInOneBatchInOrder) {
-  mManager.Add(1, "A");
-  mManager.Add(2, "B", {}, kActivationStateActive);
-  mManager.Add(3, "C");
-  EXPECT_EQ(Open("doc", {1, 2, 3, 1}), 0);
-  EXPECT_EQ(mManager.calls,
-            (std::vector<std::string>{"BeginOpening(doc)", "SetCountForLongOperations(4)",
-                                      "ActivateFontsByID(1,3)", "EndActivationChange()",
-                                      "FinishOpening(doc)", "SetCountForLongOperations(1)"}));
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("doc"), 3u);
-  std::size_t alreadyActive = 9;
-  EXPECT_EQ(mTracker.CountFontsOpenedForIdentifier("doc", alreadyActive), 2u);
-  EXPECT_EQ(alreadyActive, 1u);
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("other"), 0u);
-
-  mManager.calls.clear();
-  EXPECT_EQ(Close("doc"), 0);
-  EXPECT_EQ(mManager.calls, (std::vector<std::string>{
-                                "SetCountForLongOperations(3)", "GetClientFontActivationStates(3)",
-                                "DeactivateFonts(1,3)", "EndActivationChange()",
-                                "FinishClosing(doc,all)", "SetCountForLongOperations(1)"}));
-  EXPECT_TRUE(IsOn(2));
-}
-
-TEST_F(Tracker, TheLastDocumentDeactivates) {
-  mManager.Add(1, "A");
-  Open("one", {1});
-  Open("two", {1});
-  EXPECT_EQ(mManager.CallsOf("ActivateFontsByID"),
-            (std::vector<std::string>{"ActivateFontsByID(1)", "ActivateFontsByID()"}));
-  LogCapture log;
-  Close("one");
-  EXPECT_TRUE(log.Has("Not deactivating 'A' because its ref count is 1"));
-  EXPECT_EQ(LastCall("FinishClosing"), "FinishClosing(one,some)");
-  EXPECT_TRUE(IsOn(1));
-  Close("two");
-  EXPECT_EQ(LastCall("FinishClosing"), "FinishClosing(two,all)");
-  EXPECT_FALSE(IsOn(1));
-  EXPECT_EQ(Close("two"), 0);  // unknown by now
-  EXPECT_EQ(mManager.CountOfCalls("FinishClosing"), 3);
-}
-
-TEST_F(Tracker, ClosingWithoutDeactivationKeepsTheEntryForTheQuit) {
-  mManager.Add(1, "A");
-  mManager.Add(2, "Before", {}, kActivationStateActive);
-  Open("doc", {1, 2});
-  Close("doc", false);
-  EXPECT_EQ(LastCall("DeactivateFonts"), "DeactivateFonts()");
-  Open("doc", {1, 2});  // sees A as active, which it was not at first
-  EXPECT_EQ(mTracker.CloseAllFonts(true, false), 0);
-  EXPECT_EQ(LastCall("DeactivateFonts"), "DeactivateFonts(1)");
-  EXPECT_TRUE(IsOn(2));
-  EXPECT_EQ(mTracker.CloseAllFonts(true, false), 0);  // empty: nobody is asked
-  EXPECT_EQ(mManager.CountOfCalls("DeactivateFonts"), 2);
-}
-
-TEST_F(Tracker, FontsThatAreNoLongerOursStay) {
-  mManager.Add(1, "A");
-  mManager.Add(2, "B");
-  Open("doc", {1, 2});
-  mManager.clientStates[1] = false;
-  LogCapture log;
-  Close("doc");
-  EXPECT_TRUE(log.Has("Not deactivating 'A' because it is no longer plugin activated"));
-  EXPECT_EQ(LastCall("DeactivateFonts"), "DeactivateFonts(2)");
-  Open("doc", {1, 2});
-  mManager.clientStates[2] = false;
-  mTracker.CloseAllFonts(true, false);
-  EXPECT_EQ(LastCall("DeactivateFonts"), "DeactivateFonts()");
-}
-
-TEST_F(Tracker, TwoVersionsOfOneName) {
+TEST_F(Tracker, TheLogTellsWhatBecomesOfEachFont) {
   mManager.Add(1, "A");
   mManager.Add(2, "A");
   mManager.Add(3, "B", {}, kActivationStateActive);
   mManager.Add(4, "B");
-  Open("doc", {1, 2, 3, 3, 4});
-  EXPECT_EQ(LastCall("ActivateFontsByID"), "ActivateFontsByID(1)");
-  // An active match is registered for each of the document's fonts that it stands for.
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("doc"), 5u);
-  Close("doc");
-  EXPECT_EQ(LastCall("DeactivateFonts"), "DeactivateFonts(1,2,4)");
-}
-
-TEST_F(Tracker, UnusableEntriesAndSubDocuments) {
-  mManager.Add(1, "A");
-  const FontRecord shared = Element(1);
-  shared->Set(kFP_SubDocumentsWithFontKey, MakeFonts({"one", 7, "two"}));
-  const FontRecord nameless =
-      MakeRecord({{kFP_MatchedFontKey, MakeRecord({{kFP_DatabaseIDKey, "5"}})}});
-  LogCapture log;
-  mTracker.OpenFontsForIdentifier(
-      MakeFonts({PropertyList::Value(), "text", MakeFontRecord(), nameless, shared}), "", false,
-      nullptr, nullptr);
-  for (const char* line :
-       {"WARNING:  font 0 for document '' is NULL",
-        "   ...Error:  Array element at i = 1 is NOT A DICTIONARY!!",
-        "...Skipping font with no matched font in dictionary:  PS name \"<NULL>\"",
-        "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = "
-        "3"}) {
-    EXPECT_TRUE(log.Has(line)) << line;
-  }
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("one"), 1u);
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("two"), 1u);
-  Close("one");
-  EXPECT_TRUE(IsOn(1));
-  Close("two");
-  EXPECT_FALSE(IsOn(1));
-}
-
-TEST_F(Tracker, ARefusedFontUndoesTheDocument) {
-  mManager.Add(1, "A");
-  mManager.Add(2, "B");
-  mManager.refused.insert(2);
-  const FontRecordArray refused = MakeFontRecordArray();
-  EXPECT_EQ(mTracker.OpenFontsForIdentifier(MakeFonts({Element(1), Element(2)}), "doc", false,
-                                            nullptr, refused),
-            0);
-  EXPECT_EQ(NamesOf(refused), (std::vector<std::string>{"B"}));
-  EXPECT_FALSE(IsOn(1));
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("doc"), 0u);
-}
-
-TEST_F(Tracker, FailuresKeepTheBooksStraight) {
-  mManager.Add(1, "A");
-  mManager.Add(2, "B");
-  mManager.unable.insert(2);
-  LogCapture log;
-  Open("doc", {1, 2});
-  EXPECT_TRUE(
-      log.Has("Calling SetMissingFontsDialogNeeded() because 1 of 2 fonts were activated."));
-  mManager.FailAt("ActivateFontsByID", 2, -7);
-  EXPECT_EQ(Open("late", {2}), -7);
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("late"), 1u);
-
-  mManager.ThrowAt("ActivateFontsByID", 3);
-  EXPECT_THROW(Open("bad", {1}), std::runtime_error);
-  EXPECT_EQ(mManager.calls.back(), "SetCountForLongOperations(1)");
-  mManager.ThrowAt("DeactivateFonts", 1);
-  EXPECT_THROW(Close("doc"), std::runtime_error);
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("doc"), 0u);
-  EXPECT_TRUE(log.Has("FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally"));
-
-  mManager.connected = false;
-  EXPECT_EQ(Open("doc", {1}), kErrorKestraneNotRunning);
-  EXPECT_EQ(Close("late"), kErrorKestraneNotRunning);
-  EXPECT_EQ(mTracker.CloseAllFonts(true, false), kErrorKestraneNotRunning);
-}
-
-TEST_F(Tracker, OneByOneWithoutTheAgent) {
-  for (std::uint32_t id = 1; id <= 4; ++id) {
-    mManager.Add(id, std::string(1, static_cast<char>('@' + id)));
-  }
-  Open("doc", {1, 2, 3});
+  mManager.Add(5, "C", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
+  platform.fonts.visible = {"Fam"};
+  mManager.unable = {5};
+  const std::string sameName =
+      " because a different font with the same postscript name is already ";
+  const std::string family = "The OS thinks the 'Fam' font family is active, but Nodrix says 'C' ";
+  ExpectLines(
+      [&] {
+        return Open("one", {1, 1, 2, 3, 3, 4, 5});
+      },
+      {"Preparing 7 fonts for batch-activation...", "Adding 'A' (1) because it is not active.",
+       "--- Skipping family font with fontID 1 (\"A\"), which is already in the array to activate",
+       "Skipping 'A' (2)" + sameName + "in the array.",
+       "Skipping 'B' because it is already active.", "Skipping 'B' because it is already active.",
+       "Skipping 'B' (4)" + sameName + "active.", family + "is not. Treating it as a system font",
+       "Adding 'C' (5) because it is not active.", "Ready to batch-activate 2 fonts",
+       "Calling SetMissingFontsDialogNeeded() because 1 of 2 fonts were activated."});
+  std::size_t alreadyActive = 9;
+  EXPECT_EQ(mTracker.CountFontsOpenedForIdentifier("one", alreadyActive), 4u);
+  EXPECT_EQ(alreadyActive, 2u);
+  Open("two", {1, 5});
+  EXPECT_EQ(mTracker.CountFontsOpenedForIdentifier("two", alreadyActive), 0u);  // one's came first
+  mManager.clientStates[2] = false;
+  ExpectLines(
+      [&] { return Close("one"); },
+      {"Considering whether to deactivate databaseID 1",
+       "Not deactivating 'A' because its ref count is 1",
+       "Not deactivating 'A' because it is no longer plugin activated",
+       "Not deactivating 'B' because its ref count is 1",
+       "Not deactivating 'B' because it was already active", "Adding 'B' to fontsToDeactivate.",
+       "Not deactivating 'C' because its ref count is 1"});
+  ExpectLines([&] { return Close("one"); },
+              {"No entry in FontActivationTracker::m_mDocuments for 'one'"});
+  ExpectLines([&] { return mTracker.CloseAllFonts(true, false); },
+              {"Calling FontManagerInterface::SetCountForLongOperations(2)"});
+  ExpectLines([&] { return Close("two"); },
+              {"No entry found for nDatabaseID(1) in FontManagerInterface::m_mFonts"});
+  Open("one", {1});
   mManager.coreAgent = false;
-  Open("none", {4});  // nothing is activated and nothing registered
-  EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("none"), 0u);
-  mManager.FailAt("DeactivateFont", 1, -3);
-  mManager.FailAt("DeactivateFont", 2, kErrorKestraneNotRunning);
-  const FontRecordArray deactivated = MakeFontRecordArray();
-  EXPECT_EQ(mTracker.CloseAllFontsForIdentifier("doc", true, false, deactivated),
-            kErrorKestraneNotRunning);
-  EXPECT_EQ(mManager.CallsOf("DeactivateFont"),
-            (std::vector<std::string>{"DeactivateFont(1)", "DeactivateFont(2)"}));
-  // 1 is forgotten although it failed; 2 and 3 are left for the quit.
-  EXPECT_EQ(mTracker.CloseAllFonts(true, false), 0);
-  EXPECT_EQ(mManager.CallsOf("DeactivateFont").size(), 4u);
-  EXPECT_FALSE(IsOn(3));
-  EXPECT_EQ(deactivated->Count(), 0u);
+  mManager.FailAt("DeactivateFont", 0, -3);
+  ExpectLines([&] { return Close("one"); }, {"XTDeactivateFont returned -3"});
+  mManager.coreAgent = true;
+  mManager.ThrowAt("ActivateFontsByID", 0);
+  ExpectLines(
+      [&] { return Open("one", {1}); },
+      {"   *** Exception caught in FontActivationTracker::OpenFontsForIdentifier.  Rethrowing."});
+  mManager.ThrowAt("DeactivateFonts", 0);
+  ExpectLines([&] { return Close("one"); },
+              {"FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally"});
+  mManager.connected = false;
+  ExpectLines([&] { return Open("one", {1}); },
+              {"OpenFontsForIdentifier returning kErrorKestraneNotRunning (EARLY RETURN)"});
+}
+
+TEST_F(Tracker, BadInputIsToldAndPassedOver) {
+  const auto match = [](const Value& id, const Value& name = "X", const Value& parts = {}) {
+    const FontRecord font = MakeRecord({{kFP_DatabaseIDKey, id}, {kFP_PostScriptNameKey, name}});
+    return MakeRecord({{kFP_MatchedFontKey, font}, {kFP_SubDocumentsWithFontKey, parts}});
+  };
+  const FontRecord itself = MakeRecord({{kFP_PostScriptNameKey, "I"}, {kFP_DatabaseIDKey, "9"}});
+  itself->Set(kFP_MatchedFontKey, itself);
+  const std::string unmatched = "...Skipping font with no matched font in dictionary:  PS name ";
+  const std::string incomplete =
+      "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = 0";
+  const std::string homeless =
+      "WARNING:  font 0 for document '' has no kFP_SubDocumentsWithFontKey";
+  const auto added = [](const std::string& name, const char* id) {
+    return "Adding '" + name + "' (" + id + ") because it is not active.";
+  };
+  const std::string name128(128, 'n');
+  const struct {
+    const char* document;
+    Value element;
+    std::string line;
+    std::size_t registered;  // under "doc"
+  } rows[] = {
+      {"doc", {}, "WARNING:  font 0 for document 'doc' is NULL", 0},
+      {"doc", "text", "   ...Error:  Array element at i = 0 is NOT A DICTIONARY!!", 0},
+      {"doc", MakeFonts({}), "   ...Error:  Array element at i = 0 is NOT A DICTIONARY!!", 0},
+      {"doc", MakeFontRecord(), unmatched + "\"<NULL>\"", 0},
+      {"doc", MakeNamed("X"), unmatched + "\"X\"", 0},
+      {"doc", MakeRecord({{kFP_MatchedFontKey, "text"}}), unmatched + "\"<NULL>\"", 0},
+      {"doc", match("5", Value()), incomplete, 0},
+      {"doc", match("5", 5), incomplete, 0},
+      {"doc", match(Value()), incomplete, 0},
+      {"doc", match("abc"), incomplete, 0},
+      {"doc", match(""), incomplete, 0},
+      {"doc", match("0"), incomplete, 0},
+      {"doc", match("-1"), added("X", "-1"), 1},
+      {"doc", match("99999999999"), added("X", "1215752191"), 1},  // its lower half
+      {"doc", match("5", ""), added("", "5"), 1},
+      {"doc", match("5", name128), added(name128, "5"), 1},
+      {"doc", match("5", std::string(100'000, 'n')), "Ready to batch-activate 1 fonts", 1},
+      {"doc", itself, added("I", "9"), 1},
+      {"", match("5"), homeless, 0},
+      {"", match("5", "X", "doc"), homeless, 0},
+      {"", match("5", "X", MakeFonts({Value(), 7, itself, "doc", "", "doc"})), added("X", "5"), 2},
+  };
+  const FontRecordArray all = MakeFonts({});
+  for (const auto& row : rows) {
+    ExpectLines([&] { return Open(row.document, MakeFonts({row.element})); }, {row.line});
+    EXPECT_EQ(mTracker.CountFontsRegisteredForIdentifier("doc"), row.registered) << row.line;
+    for (const char* document : {"doc", ""}) EXPECT_EQ(Close(document), 0) << row.line;
+    all->Append(row.element);
+  }
+  EXPECT_EQ(mManager.CallsOf("DeactivateFonts").back(), "DeactivateFonts(5)");
+  EXPECT_EQ(Open("doc", nullptr), 0);
+  // The other operations on the same.
+  FontRecordArray matched;
+  using namespace FaceprintSupport;
+  FontActivationTracker::RemoveActivatedFonts(all, 0, true);
+  EXPECT_EQ(ProcessDocumentFontsForAutoActivation(all, MakeFonts({}), MakeFonts({}), true, true, 0,
+                                                  nullptr),
+            0);
+  EXPECT_EQ(FindIDsForBestMatches(all, &matched, 0), -1);
+  EXPECT_EQ(AppendFaceprintDataToFonts(all, 0, true, false, true), -1);
+  EXPECT_EQ(NamesOf(all), (std::vector<std::string>{"", "", ""}));  // what is no record
+  itself->Remove(kFP_MatchedFontKey);
+}
+
+namespace {
+
+struct Step {
+  int code;
+  std::vector<std::string> calls;
+};
+
+std::string OperationOf(const std::string& call) { return call.substr(0, call.find('(')); }
+
+// A day with every kind of call, one of which fails.
+std::vector<Step> PlayDay(const std::string& failing, int nth, int code) {
+  Books books;
+  if (code != 0) books.mManager.FailAt(failing, nth, code);
+  for (const auto& [id, name] : {std::pair{1u, "A"}, {2u, "A"}, {3u, "B"}, {4u, "C"}}) {
+    books.mManager.Add(id, name);
+  }
+  const auto fonts = [] { return MakeFonts({MakeNamed("B"), MakeNamed("A"), MakeNamed("C")}); };
+  const std::function<int()> day[] = {
+      [&] {
+        return FaceprintSupport::ProcessDocumentFontsForAutoActivation(
+            fonts(), MakeFonts({}), MakeFonts({}), true, false, 0, nullptr);
+      },
+      [&] { return FaceprintSupport::AppendFaceprintDataToFonts(fonts(), 0, true, true, false); },
+      [&] {
+        return books.Open("one", {1, 3});
+      },
+      [&] {
+        return books.Open("two", {1, 4});
+      },
+      [&] { return books.Close("one"); },
+      [&] {
+        return books.Open("three", {3, 4});
+      },
+      [&] { return books.mManager.coreAgent = false, books.Close("three"); },
+      [&] { return books.mManager.coreAgent = true, books.mTracker.CloseAllFonts(true, false); },
+      [&] { return books.Close("two"); },
+      [&] {
+        for (auto& font : books.mManager.fonts) font.state = kActivationStateInactive;
+        return books.Open("last", {1});
+      },
+      [&] { return books.Close("last"); },
+  };
+  std::vector<Step> steps;
+  for (const auto& step : day) {
+    books.mManager.calls.clear();
+    const int result = TrackerModel::CodeOf(step);
+    steps.push_back({result, books.mManager.calls});
+  }
+  return steps;
+}
+
+}  // namespace
+
+TEST_F(Tracker, EveryCallMayFail) {
+  const std::set<std::string> answers = {"ActivateFontsByID", "DeactivateFonts",
+                                         "DeactivateFont",    "CountNamedFonts",
+                                         "GetNamedFontInfo",  "GetFaceprintInfo"};
+  const std::set<std::string> marks = {"BeginOpening", "FinishOpening", "FinishClosing",
+                                       "SetCountForLongOperations", "EndActivationChange"};
+  const std::vector<Step> good = PlayDay("", 0, 0);
+  std::map<std::string, int> count;
+  for (std::size_t at = 0; at < good.size(); ++at) {
+    const std::vector<std::string>& calls = good[at].calls;
+    for (auto call = calls.begin(); call != calls.end(); ++call) {
+      const std::string failing = OperationOf(*call);
+      const int nth = ++count[failing];
+      const bool isLast =
+          std::ranges::find(call + 1, calls.end(), failing, OperationOf) == calls.end();
+      for (const int code : {-1, kErrorKestraneNotRunning, TrackerModel::kThrows}) {
+        SCOPED_TRACE(failing + " " + std::to_string(nth) + " gives " + std::to_string(code));
+        const std::vector<Step> bad = PlayDay(failing, nth, code);
+        // Another answer than 1000 is forgotten over the next.
+        const bool counts =
+            code == TrackerModel::kThrows || (answers.contains(failing) && (isLast || code != -1));
+        for (std::size_t i = 0; i < bad.size(); ++i) {
+          EXPECT_EQ(bad[i].code, i == at && counts ? code : 0) << "step " << i;
+        }
+        const std::vector<std::string>& left = bad[at].calls;
+        if (calls.back() == "SetCountForLongOperations(1)" && !marks.contains(failing)) {
+          EXPECT_EQ(left.back(), calls.back());
+          EXPECT_EQ(std::ranges::count(left, "EndActivationChange()"), 1);
+        }
+        // The books are in order again.
+        if (at + 2 >= good.size()) continue;
+        EXPECT_EQ(bad[good.size() - 2].calls, good[good.size() - 2].calls);
+        EXPECT_EQ(bad.back().calls, good.back().calls);
+      }
+    }
+  }
 }
 
 TEST_F(Tracker, ManuallyActivatedFontsAreTakenOut) {
-  mPlugin.platform.fonts.visible = {"Hand", "Auto"};
+  platform.fonts.visible = {"Hand", "Auto", "System"};
   mManager.Add(1, "Hand");
   mManager.Add(2, "Auto", {{kFP_IsAutoActivatedKey, "1"}});
-  const FontRecordArray fonts =
-      MakeFonts({MakeNamed("Hand"), MakeNamed("Auto"), MakeNamed("Off"), PropertyList::Value()});
-  FontActivationTracker::RemoveActivatedFonts(fonts, 0, true);
-  EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"Auto", "Off", ""}));
-  FontActivationTracker::RemoveActivatedFonts(fonts, 0, false);
+  mManager.Add(3, "System", {{kFP_IsSystemKey, "1"}});
+  const FontRecordArray fonts = MakeFonts(
+      {MakeNamed("Hand"), MakeNamed("System"), MakeNamed("Auto"), MakeNamed("Off"), Value()});
+  const auto remove = [&fonts](bool onlyManuallyActivated) {
+    FontActivationTracker::RemoveActivatedFonts(fonts, 0, onlyManuallyActivated);
+    return 0;
+  };
+  ExpectLines([&] { return remove(true); },
+              {"ERROR:  fontArray[4] is NULL",
+               "Font:  'Auto':  kFP_IsAutoActivatedKey=1, kFP_IsSystemKey=0",
+               "Font:  'Hand':  kFP_IsAutoActivatedKey=0, kFP_IsSystemKey=0"});
+  EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"System", "Auto", "Off", ""}));
+  remove(false);
   EXPECT_EQ(NamesOf(fonts), (std::vector<std::string>{"Off", ""}));
 }
 
 // With a dialog framework: families, one question however many fonts are remote, and progress.
 TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
   FakeTarn framework;
-  framework.Install(mPlugin.platform);
+  framework.Install(platform);
   framework.preferences["ActivateEntireFamilies"] = true;
   TarnInterface tarn("Photoshop", "1", "com.vendrel.test.photoshop", "1");
-  FontActivationTracker tracker(&tarn);
-  mManager.Add(1, "Fam-Bold", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
-  mManager.Add(2, "Fam-Light", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
-  mManager.Add(3, "Fam-On", {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
-  mPlugin.platform.fonts.visible.insert("Fam-On");
-  mManager.online = false;
-  EXPECT_EQ(tracker.OpenFontsForIdentifier(MakeFonts({Element(1), Element(2)}), "doc", true,
-                                           nullptr, nullptr),
-            0);
-  EXPECT_EQ(LastCall("ActivateFontsByID"), "ActivateFontsByID(1,2)");
-  EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier("doc"), 2u);
+  Books books(&tarn);
+  FakeFontManager& manager = books.mManager;
+  for (const auto& [id, name] : {std::pair{1u, "Fam-Bold"}, {2u, "Fam-Light"}, {3u, "Fam-On"}}) {
+    manager.Add(id, name, {{kFP_AssignedFamilyGroupNameKey, "Fam"}});
+  }
+  platform.fonts.visible.insert("Fam-On");
+  manager.online = false;
+  EXPECT_EQ(books.Open("doc", {1, 3}), 0);
+  EXPECT_EQ(manager.CallsOf("ActivateFontsByID").back(), "ActivateFontsByID(1,2)");
+  EXPECT_EQ(books.mTracker.CountFontsRegisteredForIdentifier("doc"), 2u);
   EXPECT_EQ(framework.TakeTitles().size(), 1u);
-  EXPECT_EQ(mManager.CountOfCalls("GoOnline"), 1);
+  EXPECT_EQ(manager.CountOfCalls("GoOnline"), 1);
   EXPECT_EQ(framework.CountShown("TarnShowProgress"), 1);
   EXPECT_EQ(framework.CountShown("TarnHideProgress"), 1);
 
-  // The whole family is on: the matched font is asked for by itself.
-  mPlugin.platform.fonts.visible = {"Fam-Bold", "Fam-Light", "Fam-On"};
-  mManager.Find(1)->info->Set(kFP_IsLocalKey, "1");
-  tracker.OpenFontsForIdentifier(MakeFonts({Element(1)}), "late", false, nullptr, nullptr);
-  EXPECT_EQ(tracker.CountFontsRegisteredForIdentifier("late"), 1u);
-  EXPECT_TRUE(framework.TakeTitles().empty());
+  // The whole family is on: the matched font is asked for by itself. Nobody is asked for a font
+  // that is here, nor online.
+  platform.fonts.visible = {"Fam-Bold", "Fam-Light", "Fam-On"};
+  for (const char* isLocal : {"1", "0"}) {
+    manager.Find(1)->info->Set(kFP_IsLocalKey, isLocal);
+    manager.Find(1)->state = kActivationStateInactive;
+    books.Open(isLocal, {1});
+    EXPECT_EQ(books.mTracker.CountFontsRegisteredForIdentifier(isLocal), 1u);
+    EXPECT_TRUE(framework.TakeTitles().empty());
+    manager.online = true;
+  }
+  // A family that the font manager has no record of, and a matched font of no family.
+  manager.fonts.push_back({});
+  ExpectLines(
+      [&] {
+        const FontRecord element = books.Element(1);
+        element->GetDictionary(kFP_MatchedFontKey)->Remove(kFP_AssignedFamilyGroupNameKey);
+        return books.Open("none", MakeFonts({element}));
+      },
+      {"ERROR:  fontArray[0] is NULL", "*** ERROR: NULL entry in fonts in family array, iFont = 0",
+       "Skipping 'Fam-Bold' because it is already active."});
+  // The window goes also when the sorting fails.
+  manager.ThrowAt("CountNamedFonts", 0);
+  ExpectLines(
+      [&] {
+        return FaceprintSupport::ProcessDocumentFontsForAutoActivation(
+            MakeFonts({MakeNamed("A")}), MakeFonts({}), MakeFonts({}), true, false, 0, &tarn);
+      },
+      {"Exiting ProcessDocumentFontsForAutoActivation via throw."});
+  EXPECT_EQ(framework.CountShown("TarnHideProgress"), 5);
   KestraneGlobals::CleanUpOnShutdown();  // the shared dialog interface goes before its framework
 }
 
 TEST_F(Tracker, IdentifiersAndUnresolvedFonts) {
   const std::regex form("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
-  std::set<std::string> identifiers;
-  for (int i = 0; i < 50; ++i)
-    identifiers.insert(FontActivationTracker::GenerateUniqueIdentifier());
-  EXPECT_EQ(identifiers.size(), 50u);
-  for (const std::string& identifier : identifiers) {
-    EXPECT_TRUE(std::regex_match(identifier, form)) << identifier;
-  }
-  mTracker.AddUnresolvedFont("doc", "A");
-  mTracker.AddUnresolvedFont("doc", "B");
+  const LogCapture log;
+  const std::string identifier = FontActivationTracker::GenerateUniqueIdentifier();
+  EXPECT_TRUE(std::regex_match(identifier, form)) << identifier;
+  EXPECT_NE(FontActivationTracker::GenerateUniqueIdentifier(), identifier);
+  EXPECT_TRUE(
+      log.Has("FontActivationTracker::GenerateUniqueIdentifier() returning '" + identifier + "'"));
+  for (const char* name : {"A", "B"}) mTracker.AddUnresolvedFont("doc", name);
   EXPECT_EQ(mTracker.GetUnresolvedFonts("doc"), (std::vector<std::string>{"A", "B"}));
   EXPECT_TRUE(mTracker.GetUnresolvedFonts("other").empty());
-}
-
-// A model of the reference rules that keeps a list of holders per font, against the tracker.
-TEST_F(Tracker, RandomSequencesFollowTheRules) {
-  struct Model {
-    bool isOn = false;
-    bool wasOn = false;
-    bool isKnown = false;
-    std::multiset<int> holders;
-  };
-  std::mt19937 random(11);
-  for (int round = 0; round < 300; ++round) {
-    constexpr int kFonts = 5;
-    constexpr int kDocuments = 4;
-    mManager.fonts.clear();
-    Model model[kFonts];
-    for (int i = 0; i < kFonts; ++i) {
-      model[i].isOn = random() % 4 == 0;
-      mManager.Add(static_cast<std::uint32_t>(i + 1), "F" + std::to_string(i), {},
-                   model[i].isOn ? kActivationStateActive : kActivationStateInactive);
-    }
-    FontActivationTracker tracker(nullptr);
-    bool isOpen[kDocuments] = {};
-    for (int step = 0; step < 12; ++step) {
-      const int document = static_cast<int>(random() % kDocuments);
-      const std::string identifier = "doc" + std::to_string(document);
-      if (!isOpen[document]) {
-        const FontRecordArray fonts = MakeFontRecordArray();
-        for (int i = 0; i < kFonts; ++i) {
-          if (random() % 2 == 0) continue;
-          fonts->Append(Element(static_cast<std::uint32_t>(i + 1)));
-          if (!model[i].isKnown) model[i].wasOn = model[i].isOn;
-          model[i].isKnown = model[i].isOn = true;
-          model[i].holders.insert(document);
-        }
-        tracker.OpenFontsForIdentifier(fonts, identifier, false, nullptr, nullptr);
-      } else {
-        const bool deactivate = random() % 3 != 0;
-        tracker.CloseAllFontsForIdentifier(identifier, deactivate, false, nullptr);
-        for (Model& font : model) {
-          if (font.holders.erase(document) == 0 || !deactivate || !font.holders.empty()) continue;
-          if (!font.wasOn) font.isOn = false;
-          font.isKnown = false;
-        }
-      }
-      isOpen[document] = !isOpen[document];
-      for (int i = 0; i < kFonts; ++i) {
-        ASSERT_EQ(IsOn(static_cast<std::uint32_t>(i + 1)), model[i].isOn)
-            << "round " << round << " step " << step << " font " << i;
-      }
-    }
-    tracker.CloseAllFonts(true, false);
-    for (int i = 0; i < kFonts; ++i) {
-      const bool staysOn = model[i].isOn && (model[i].wasOn || !model[i].isKnown);
-      ASSERT_EQ(IsOn(static_cast<std::uint32_t>(i + 1)), staysOn) << "round " << round;
-    }
-  }
 }

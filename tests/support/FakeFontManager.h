@@ -45,6 +45,8 @@ class FakeFontManager : public FontManagerInterface {
   // A question answers false where it is to fail; it is counted, but not recorded in `calls`.
   // Throws at the nth call instead.
   void ThrowAt(const std::string& operation, int nth) { FailAt(operation, nth, kThrow); }
+  // Takes back every failure asked for.
+  void StopFailing() { mFailures.clear(); }
   int CountOfCalls(const std::string& operation) const;
   // The recorded calls of one operation, with their arguments in brackets.
   std::vector<std::string> CallsOf(const std::string& operation) const;
