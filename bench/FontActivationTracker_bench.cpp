@@ -2,12 +2,9 @@
 // a map and vectors made directly, in one run. "ratio" is ours by theirs; "us_each" is the time of
 // one registration with its end, and stays the same however many documents and fonts there are.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -15,6 +12,7 @@
 #include <vector>
 
 #include "activation/FontActivationTracker.h"
+#include "bench/support/BenchLibrary.h"
 #include "fontmanager/FontManagerInterface.h"
 #include "sdk/FontRecordKeys.h"
 
@@ -52,23 +50,6 @@ class WillingFontManager : public FontManagerInterface {
 
  private:
   FontManagerInterface* mOld;
-};
-
-// The log goes to the standard output, which is not what is measured.
-class SilentOutput {
- public:
-  SilentOutput() : mSaved(dup(STDOUT_FILENO)) { Use(open("/dev/null", O_WRONLY)); }
-  ~SilentOutput() { Use(mSaved); }
-  SilentOutput(const SilentOutput&) = delete;
-  SilentOutput& operator=(const SilentOutput&) = delete;
-
- private:
-  static void Use(int file) {
-    std::fflush(stdout);
-    if (dup2(file, STDOUT_FILENO) < 0) std::abort();
-    close(file);
-  }
-  int mSaved;
 };
 
 FontRecordArray MatchedFonts(std::uint32_t count) {
@@ -141,7 +122,7 @@ void OpenAndClose(benchmark::State& state) {
   double theirs = 1e12;
   for (auto _ : state) {
     theirs = std::min(theirs, MicrosecondsOf([&] { ByContainers(fonts, documents); }));
-    const SilentOutput silent;
+    const QuietOutput quiet;
     const double time = MicrosecondsOf([&] { ByTracker(fonts, documents); });
     ours = std::min(ours, time);
     state.SetIterationTime(time / 1e6);

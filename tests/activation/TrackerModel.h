@@ -33,7 +33,7 @@ struct TrackerModel {
   std::map<ID, Font> fonts;
   std::set<ID> refused, unable;
   std::pair<std::string, int> failure;  // an operation or a call, and its code
-  bool isConnected = true, hasBatches = true;
+  bool isConnected = true, hasBatches = true, isTold = true;
   std::map<ID, Holding> holdings;
   std::map<std::string, IDs> documents;
   std::vector<std::string> calls;
@@ -106,7 +106,7 @@ struct TrackerModel {
   }
   // The last reference turns a font off that was not on before the first.
   int Release(const IDs& ids, bool turnOff, bool& allClosed) {
-    Ask("GetClientFontActivationStates", std::to_string(ids.size()));
+    AskWhoseTheyAre(ids.size());
     IDs batch;
     int result = 0;
     for (const ID id : ids) {
@@ -123,7 +123,13 @@ struct TrackerModel {
     }
     return hasBatches ? TurnOff(batch) : result;
   }
-  bool GoesOff(ID id) { return !holdings[id].wasOn && (!hasBatches || fonts[id].isOurs); }
+  void AskWhoseTheyAre(std::size_t n) {
+    isTold = Ask("GetClientFontActivationStates", std::to_string(n)) == 0;
+  }
+  // A font of which nothing is told counts as ours.
+  bool GoesOff(ID id) {
+    return !holdings[id].wasOn && (!hasBatches || !isTold || fonts[id].isOurs);
+  }
 
   int TurnOff(const IDs& ids) {
     int result = hasBatches ? Ask("DeactivateFonts", List(ids)) : 0;
@@ -140,12 +146,15 @@ struct TrackerModel {
     if (!isConnected) return kGone;
     if (holdings.empty()) return 0;
     Announce(holdings.size());
-    Ask("GetClientFontActivationStates", std::to_string(holdings.size()));
-    IDs ours;
-    for (const auto& [id, holding] : holdings) {
-      if (turnOff && GoesOff(id)) ours.push_back(id);
-    }
-    const int result = hasBatches || !ours.empty() ? TurnOff(ours) : 0;
+    const auto turnOffAll = [&] {
+      AskWhoseTheyAre(holdings.size());
+      IDs ours;
+      for (const auto& [id, holding] : holdings) {
+        if (turnOff && GoesOff(id)) ours.push_back(id);
+      }
+      return hasBatches || !ours.empty() ? TurnOff(ours) : 0;
+    };
+    const int result = CodeOf(turnOffAll);
     Ask("EndActivationChange");
     holdings.clear();
     return result;

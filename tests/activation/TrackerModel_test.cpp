@@ -41,8 +41,6 @@ class Sequence {
     const unsigned kind = Any(10);
     const FontRecordArray fonts = MakeFontRecordArray();
     if (kind == 0) {
-      // What a quit that throws leaves behind is not among the rules.
-      if (mModel.failure.second == TrackerModel::kThrows) mModel.failure = {};
       return Compare([&] { return mModel.Quit(turnOff); },
                      [&] { return mTracker.CloseAllFonts(turnOff, false); }, nullptr);
     }
