@@ -75,6 +75,9 @@ TEST_F(Queries, TakeAThousandAndTwentyFourIDsFromEachQuestion) {
   long count = 0;
   EXPECT_EQ(agent->CountNamedFonts("Name", kPostScriptFontName, 11, count, ""), 0);
   EXPECT_EQ(count, 2048);
+  facade.claimedFonts = 0xFFFFFFFF;
+  EXPECT_EQ(agent->CountNamedFonts("Name", kPostScriptFontName, 11, count, ""), 0);
+  EXPECT_EQ(count, 2048);
   EXPECT_EQ(agent->CountNamedFonts("Name", static_cast<TypeOfFontName>(2), 11, count, ""), -1);
   EXPECT_EQ(count, 0);
 }

@@ -83,7 +83,8 @@ class FakeFacade {
   std::set<std::string> permissions;  // names of columns, for instance kColumnAcrossWorkgroups
   std::string defaultLibraryName = "Font Library";
   std::string vaultPath = "/home/x/Fonts.vault";
-  std::set<std::string> missing;  // entry points that are not there
+  std::set<std::string> missing;   // entry points that are not there
+  std::uint32_t claimedFonts = 0;  // what a question by name says it found, if not what it found
 
   static constexpr const char* kColumnAcrossWorkgroups = "GetCanActivateAcrossWorkgroupsColumnID";
   static constexpr const char* kColumnExportFonts = "GetExportFontsColumnID";

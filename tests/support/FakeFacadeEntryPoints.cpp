@@ -169,6 +169,7 @@ std::uint32_t FindByName(const char* entryPoint, const char* key, const char* na
     if (RecordString(font.record, key) != name) continue;
     if (IsAsked(font.workgroupID, workgroupIDs, workgroupCount)) outIDs[(*outCount)++] = font.id;
   }
+  if (Facade().claimedFonts != 0) *outCount = Facade().claimedFonts;
   return 0;
 }
 
