@@ -144,9 +144,12 @@ std::string NameOf(FT_Face face) {
 
 // What the names of a font's instances begin with where it names none (Adobe Technical Note 5902).
 std::string InstancePrefix(const NameTable& names) {
-  return LettersAndDigits(FirstOf(names.Text(NameTable::eInstancePrefix),
-                                  names.Text(NameTable::eTypographicFamily),
-                                  names.Text(NameTable::eFamily).c_str()));
+  for (const auto id :
+       {NameTable::eInstancePrefix, NameTable::eTypographicFamily, NameTable::eFamily}) {
+    std::string prefix = LettersAndDigits(names.Text(id));
+    if (!prefix.empty()) return prefix;
+  }
+  return {};
 }
 
 // FreeType makes no name, and takes none from the font, where the family holds a blank.

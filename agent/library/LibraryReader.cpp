@@ -26,8 +26,8 @@ std::vector<std::uint32_t> FontsOf(Query&& query, std::span<const std::uint32_t>
   return ids;
 }
 
-// The state of a face, from the rows of the activations of its file: one without a mode if there
-// are none.
+// The state of a face, from the rows of its file's activations; a file without any gives one row
+// whose mode is null.
 class RawState {
  public:
   RawState(std::uint32_t workgroup, bool missing, std::int64_t clientPid)

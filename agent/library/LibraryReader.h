@@ -42,8 +42,8 @@ struct FontRow {
   std::uint32_t workgroupID = 0;
   std::uint32_t workgroupType = 0;
   std::string workgroupName;
-  bool missing = false;  // the file has gone from disk
-  std::uint32_t rawActivationState = 0;
+  bool missing = false;                  // the file has gone from disk
+  std::uint32_t rawActivationState = 0;  // previews are the client library's to put in
 };
 
 struct WorkgroupRow {
@@ -84,10 +84,11 @@ class LibraryReader {
                                                std::span<const std::uint32_t> workgroups);
   std::vector<std::uint32_t> FontsOfFamily(std::uint32_t familyID,
                                            std::span<const std::uint32_t> workgroups);
+  // With the raw activation state of the same moment; without a client it says only whether the
+  // face is on.
+  std::optional<FontRow> FontByID(std::uint32_t id, std::int64_t clientPid = 0);
   // Raw activation state of sdk/PluginInterface.h as the client with this process ID sees it,
   // previews left out: 0, 1 (automatic, by this client), 2 (automatic, by another), 4 or 5.
-  // FontByID has it in the row, of the same moment.
-  std::optional<FontRow> FontByID(std::uint32_t id, std::int64_t clientPid = 0);
   std::uint32_t RawActivationState(std::uint32_t fontID, std::int64_t clientPid);
   // A face of another font of the same PostScript name that is on; 0 for none.
   std::uint32_t ConflictingFont(std::uint32_t fontID);

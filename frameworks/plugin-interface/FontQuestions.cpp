@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "frameworks/plugin-interface/EntryPoint.h"
@@ -53,7 +54,8 @@ std::uint32_t FindRecord(PluginFacade& facade, std::span<const std::uint32_t> wo
 // The family of a record, by its ID or by the family of its database font. 0 for none.
 std::uint32_t FamilyOf(LibraryReader& reader, const FontRecord& font) {
   if (RecordHas(font, kFP_AssignedFamilyGroupIDKey)) {
-    return static_cast<std::uint32_t>(RecordInteger(font, kFP_AssignedFamilyGroupIDKey));
+    const std::int64_t family = RecordInteger(font, kFP_AssignedFamilyGroupIDKey);
+    return std::in_range<std::uint32_t>(family) ? static_cast<std::uint32_t>(family) : 0;
   }
   const auto row = reader.FontByID(RecordDatabaseID(font));
   return row ? row->familyID : 0;

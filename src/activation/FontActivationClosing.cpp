@@ -48,7 +48,7 @@ int FontActivationTracker::CloseAllFontsForIdentifier(const std::string& sDocume
                                                       const FontRecordArray& fontsDeactivated) {
   const OperationTrace trace(__func__);
   if (ConnectedFontManager() == nullptr) return trace.Return(kErrorKestraneNotRunning);
-  GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
+  GScopedLock lock(m_mutex);
   bool allClosed = bDeactivateClosedFonts;
   int result = 0;
   const auto document = m_mDocuments.find(sDocumentIdentifier);
@@ -75,28 +75,33 @@ int FontActivationTracker::CloseAllFontsForIdentifier(const std::string& sDocume
 
 int FontActivationTracker::CloseRegisteredFonts(Closing& closing, const std::string& identifier,
                                                 bool bShowProgress) {
-  const std::vector<std::uint32_t> fontIDs = m_mDocuments[identifier].fontIDs;
-  SetCountForLongOperations(fontIDs.size());
+  const std::size_t count = m_mDocuments[identifier].fontIDs.size();
+  SetCountForLongOperations(count);
   const auto progress =
-      ShowFontProgress(m_pTarnInterface, bShowProgress, fontIDs.size(),
-                       "FontDeactivationWindowTitle", "FontDeactivationHeaderForDoc");
+      ShowFontProgress(m_pTarnInterface, bShowProgress, count, "FontDeactivationWindowTitle",
+                       "FontDeactivationHeaderForDoc");
   closing.progress.progress = progress.get();
-  int result = 0;
+  // The window turns the host's run loop, and what that ran may have closed the document.
+  const auto document = m_mDocuments.find(identifier);
+  if (document == m_mDocuments.end()) return 0;
+  decltype(m_mDocuments)::node_type closed;
   try {
-    if (!AskForStates(closing, fontIDs)) return kErrorKestraneNotRunning;
-    result = closing.inOneBatch ? CloseFontsInOneBatch(closing, fontIDs)
-                                : CloseFontsOneByOne(closing, fontIDs);
+    if (!AskForStates(closing, document->second.fontIDs)) return kErrorKestraneNotRunning;
+    // Out of the books: what is opened under this identifier from now on is another's to close.
+    closed = m_mDocuments.extract(document);
+    const std::vector<std::uint32_t>& fontIDs = closed.mapped().fontIDs;
+    const int result = closing.inOneBatch ? CloseFontsInOneBatch(closing, fontIDs)
+                                          : CloseFontsOneByOne(closing, fontIDs);
     EndActivationChange();
+    return result;
   } catch (...) {
     EndActivationChange();
-    m_mDocuments.erase(identifier);
+    if (closed.empty()) m_mDocuments.erase(identifier);
     SetCountForLongOperations(1);
     OutputFormattedDebugString(
         "FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally");
     throw;
   }
-  m_mDocuments.erase(identifier);
-  return result;
 }
 
 bool FontActivationTracker::AskForStates(Closing& closing,
@@ -186,7 +191,7 @@ int FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts, bool bShow
   const OperationTrace trace(__func__);
   if (ConnectedFontManager() == nullptr) return trace.Return(kErrorKestraneNotRunning);
   if (m_mFonts.empty()) return trace.Return(0);
-  GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
+  GScopedLock lock(m_mutex);
   OutputFormattedDebugString("Calling FontManagerInterface::SetCountForLongOperations(%d)",
                              static_cast<int>(m_mFonts.size()));
   SetCountForLongOperations(m_mFonts.size());

@@ -69,14 +69,16 @@ bool HasRemoteFont(const FontRecordArray& fonts) {
   return false;
 }
 
-// Remote fonts can't come while offline: the user is asked once.
-void OfferToGoOnline(TarnInterface* tarn, const FontRecordArray& fontsToActivate) {
+// Remote fonts can't come while offline: the user is asked once. True if a box was shown.
+bool OfferToGoOnline(TarnInterface* tarn, const FontRecordArray& fontsToActivate) {
   bool isOnline = true;
   TellFontManager([&](FontManagerInterface& fontManager) { isOnline = fontManager.IsOnline(); });
-  if (isOnline || !HasRemoteFont(fontsToActivate) || tarn == nullptr) return;
-  if (!tarn->ShowSomeFontsOfflineMessageBox()) return;
-  TellFontManager(
-      [](FontManagerInterface& fontManager) { static_cast<void>(fontManager.GoOnline()); });
+  if (isOnline || !HasRemoteFont(fontsToActivate) || tarn == nullptr) return false;
+  if (tarn->ShowSomeFontsOfflineMessageBox()) {
+    TellFontManager(
+        [](FontManagerInterface& fontManager) { static_cast<void>(fontManager.GoOnline()); });
+  }
+  return true;
 }
 
 bool HoldsANamedFont(const FontRecordArray& fonts) {
@@ -142,7 +144,7 @@ int FontActivationTracker::ActivateInOneBatch(Batch& batch, const FontRecordArra
   if (batch.progress.progress != nullptr) {
     batch.progress.progress->Dictionary().SetIntForKey(kTarnMaxProgress, asked);
   }
-  OfferToGoOnline(m_pTarnInterface, batch.fontsToActivate);
+  if (OfferToGoOnline(m_pTarnInterface, batch.fontsToActivate)) DropClosedFonts(batch);
 
   const FontRecordArray activated = activatedFonts ? activatedFonts : MakeFontRecordArray();
   void* context = nullptr;
@@ -163,6 +165,16 @@ int FontActivationTracker::ActivateInOneBatch(Batch& batch, const FontRecordArra
     }
   }
   return result;
+}
+
+// A message box turns the host's run loop: what nobody holds any more is not turned on, for nobody
+// would turn it off again.
+void FontActivationTracker::DropClosedFonts(Batch& batch) {
+  if (batch.identifier.empty()) return;
+  RemoveFromBack(batch.fontsToActivate, [&](std::size_t i) {
+    const auto entry = m_mFonts.find(RecordDatabaseID(batch.fontsToActivate->DictionaryAt(i)));
+    return entry == m_mFonts.end() || entry->second.refCount == 0;
+  });
 }
 
 void FontActivationTracker::PrepareBatch(Batch& batch) {

@@ -56,7 +56,7 @@ bool WasActivatedByHand(const FontRecord& font, const std::string& name, long wo
 FontActivationTracker::FontActivationTracker(TarnInterface* tarn) : m_pTarnInterface(tarn) {}
 
 FontActivationTracker::~FontActivationTracker() {
-  GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
+  GScopedLock lock(m_mutex);
   m_mFonts.clear();
 }
 
@@ -73,7 +73,7 @@ void FontActivationTracker::RegisterFontWithDocument(const FontRecord& font,
                                                      std::uint32_t nDatabaseID, bool bAlreadyActive,
                                                      const std::string& sDocumentIdentifier,
                                                      void* context) {
-  GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
+  GScopedLock lock(m_mutex);
   const auto [entry, isNew] = m_mFonts.try_emplace(nDatabaseID);
   SFontRecord& record = entry->second;
   // An entry without a record is one that only a count made.
@@ -121,7 +121,7 @@ void FontActivationTracker::EndFontChangeSession(bool bHideProgress) {
 
 std::size_t FontActivationTracker::CountFontsRegisteredForIdentifier(
     const std::string& identifier) {
-  GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
+  GScopedLock lock(m_mutex);
   const auto document = m_mDocuments.find(identifier);
   if (document == m_mDocuments.end()) {
     OutputFormattedDebugString("No entry in FontActivationTracker::m_mDocuments for '%s'",
@@ -133,12 +133,12 @@ std::size_t FontActivationTracker::CountFontsRegisteredForIdentifier(
 
 std::size_t FontActivationTracker::CountFontsOpenedForIdentifier(const std::string& identifier,
                                                                  std::size_t& alreadyActiveCount) {
-  GScopedLock lock(m_mutex, true, new GBlockingLockStrategy);
+  GScopedLock lock(m_mutex);
   alreadyActiveCount = 0;
   const auto document = m_mDocuments.find(identifier);
   if (document == m_mDocuments.end()) return 0;
   std::size_t count = 0;
-  GScopedLock walkLock(m_mutex, true, new GBlockingLockStrategy);
+  GScopedLock walkLock(m_mutex);
   for (const std::uint32_t id : document->second.fontIDs) {
     const SFontRecord& font = m_mFonts[id];  // makes an empty entry for an unknown ID
     if (!font.isOpen || font.documentIdentifier != identifier) continue;

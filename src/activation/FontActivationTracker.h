@@ -48,7 +48,8 @@ class FontActivationTracker {
   int CloseAllFontsForIdentifier(const std::string& sDocumentIdentifier,
                                  bool bDeactivateClosedFonts, bool bShowProgress,
                                  const FontRecordArray& fontsDeactivated);
-  // The quit path: reference counts are ignored, and no font is known afterwards.
+  // The quit path: reference counts are ignored, and no font is known afterwards. 1000, and nothing
+  // changes, when the font manager has gone before.
   int CloseAllFonts(bool bDeactivateClosedFonts, bool bShowProgress);
   void EndFontChangeSession(bool bHideProgress);
 
@@ -83,6 +84,7 @@ class FontActivationTracker {
   int ActivateInOneBatch(Batch& batch, const FontRecordArray& activatedFonts,
                          const FontRecordArray& noncompliantFonts);
   void PrepareBatch(Batch& batch);
+  void DropClosedFonts(Batch& batch);
   void AddMatchedFont(Batch& batch, const FontRecord& element, int index);
   void AddCandidate(Batch& batch, const FontRecord& font, const FontRecord& element,
                     const std::string& familyName, int index);

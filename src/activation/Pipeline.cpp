@@ -75,6 +75,7 @@ int CategorizeOneFont(const FontRecord& font, const Sorting& sorting) {
   static_cast<void>(AskFontManager([&](FontManagerInterface& fontManager) {
     return fontManager.RemoveRemoteFonts(candidates);
   }));
+  if (FontManagerInterface::GetFontManager() == nullptr) return kErrorKestraneNotRunning;
   if (const FontRecord chosen = ChooseCandidate(font, candidates, sorting.pickBestMatch)) {
     Match(font, chosen, sorting);
   } else if (candidates->IsEmpty()) {

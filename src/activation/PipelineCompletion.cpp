@@ -58,10 +58,15 @@ class Completion {
 
 int Completion::CompleteAll() {
   int result = 0;
-  // Backwards: what is appended on the way is complete already.
-  for (std::size_t i = mFonts->Count(); i-- > 0;) {
-    CompleteOne(i, result);
-    if (result == kErrorKestraneNotRunning) break;
+  try {
+    // Backwards: what is appended on the way is complete already.
+    for (std::size_t i = mFonts->Count(); i-- > 0;) {
+      CompleteOne(i, result);
+      if (result == kErrorKestraneNotRunning) break;
+    }
+  } catch (...) {
+    CloseGaps();
+    throw;
   }
   CloseGaps();
   return result;

@@ -178,8 +178,9 @@ class FontManagerInterface {
   bool IsValidWorkgroupForUser(int id);
   bool UserHasAtLeastOneWorkgroup();
   int GetCurrentWorkgroupID();
-  // At the start: keeps the selected workgroup if it is valid, selects the only possible one, or
-  // leaves the choice to HandleSelectWorkgroup.
+  // At the start: keeps the selected workgroup if it is valid; else selects all of them where the
+  // user may activate from all, or the only one there is, or leaves the choice to
+  // HandleSelectWorkgroup.
   void InitializeDefaultWorkgroup();
   bool IsAllWorkgroupsSelected();
   // Keeps the selected workgroup, else selects all of them or the first; 0 where there is none,

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <charconv>
-#include <limits>
 #include <vector>
 
 #include "facade/FacadeCall.h"
 #include "fonts/MatchRules.h"
 #include "fonts/RecordAccess.h"
+#include "foundation/GStringUtils.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"
 
@@ -97,8 +97,7 @@ double LeadingNumber(std::string_view text) {
   double number = 0;
   const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (code != std::errc::result_out_of_range) return sign * number;
-  const bool isTiny = std::string_view(text.data(), end).find("e-") != std::string_view::npos;
-  return isTiny ? 0 : sign * std::numeric_limits<double>::infinity();
+  return sign * GStringUtils::UTF8StringToTFloat64(std::string(text.data(), end));
 }
 
 std::string_view TakeDigits(std::string_view& text) {

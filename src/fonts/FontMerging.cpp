@@ -1,9 +1,5 @@
 #include "fonts/FontMerging.h"
 
-#include <algorithm>
-#include <limits>
-#include <unordered_map>
-
 #include "fontmanager/FontManagerInterface.h"
 #include "fonts/FontNameIndex.h"
 #include "fonts/FontNames.h"
@@ -100,47 +96,6 @@ void MergeEntry(const FontRecord& source, int sourceEntry, const FontRecordArray
   if (merged) Replace(destination, *found, old, merged, index);
 }
 
-// Where GetFaceprintDictionaryFromArrayWithPostscriptName finds names, for many questions to one
-// array.
-class SlugIndex {
- public:
-  explicit SlugIndex(const FontRecordArray& slugs) : mSlugs(slugs) {
-    for (std::size_t i = 0; i < slugs->Count(); ++i) {
-      const FontRecord record = slugs->DictionaryAt(i);
-      const std::string* name = FindString(record, kFP_PostScriptNameKey);
-      if (name == nullptr) continue;
-      mNames.try_emplace(*name, i);
-      if (IsMultipleMaster(record)) mBases.try_emplace(*name, i);
-    }
-  }
-
-  FontRecord Find(const std::string& name) const {
-    std::size_t place = PlaceIn(mNames, name);
-    for (std::size_t end = name.find('_'); end != std::string::npos;
-         end = name.find('_', end + 1)) {
-      place = std::min(place, PlaceIn(mBases, name.substr(0, end)));
-    }
-    if (place == kNowhere) return nullptr;
-    // Asks for the record in the plain way, which tells of Multiple Master bases in the log.
-    const FontRecordArray hit = MakeFontRecordArray();
-    hit->Append(mSlugs->At(place));
-    return GetFaceprintDictionaryFromArrayWithPostscriptName(hit, name.c_str());
-  }
-
- private:
-  using Places = std::unordered_map<std::string, std::size_t>;
-  static constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
-
-  static std::size_t PlaceIn(const Places& places, const std::string& name) {
-    const auto found = places.find(name);
-    return found == places.end() ? kNowhere : found->second;
-  }
-
-  const FontRecordArray& mSlugs;
-  Places mNames;
-  Places mBases;
-};
-
 }  // namespace
 
 int MergeFaceprintDictionaryIntoArray(const FontRecordArray& fonts, const FontRecord& record) {
@@ -214,7 +169,7 @@ int CountActiveFonts(const FontRecordArray& fonts) {
 FontRecordArray CreateFaceprintSlugsWithFaceprintFontsAndDocumentFonts(
     const FontRecordArray& slugFonts, const FontRecordArray& documentFonts) {
   if (!slugFonts || !documentFonts) return nullptr;
-  const SlugIndex slugs(slugFonts);
+  const FontSlugIndex slugs(slugFonts);
   FontRecordArray result = MakeFontRecordArray();
   for (std::size_t i = 0; i < documentFonts->Count(); ++i) {
     const FontRecord record = documentFonts->DictionaryAt(i);

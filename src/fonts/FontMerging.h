@@ -17,7 +17,8 @@ int MergeFaceprintDictionaryIntoArray(const FontRecordArray& fonts, const FontRe
 // of two that differ keeps the one with more keys. No record is changed in place. Either may be
 // null.
 void MergeFontsIntoFontsArray(const FontRecordArray& source, const FontRecordArray& destination);
-// The same for who merges often into one array: the index is that of the array, and follows it.
+// The same for who merges often into one array, since those above index it each time: the index is
+// that of the array, and follows it.
 int MergeFaceprintDictionaryIntoArray(const FontRecordArray& fonts, const FontRecord& record,
                                       FontNameIndex& index);
 void MergeFontsIntoFontsArray(const FontRecordArray& source, const FontRecordArray& destination,

@@ -162,6 +162,12 @@ bool IsMultipleMaster(const FontRecord& record) {
          (*kind == kFP_Kind_PostscriptMM || *kind == kFP_Kind_PostscriptMultipleMaster);
 }
 
+void TellOfMultipleMasterBase(const std::string& baseName, const std::string& name) {
+  OutputFormattedDebugString(
+      "...Special case for MM:  matching Faceprint data for PS name \"%s\" to PS name \"%s\"",
+      baseName.c_str(), name.c_str());
+}
+
 FontRecord GetFaceprintDictionaryFromArrayWithPostscriptName(const FontRecordArray& fonts,
                                                              const char* name,
                                                              std::size_t* outIndex) {
@@ -171,11 +177,7 @@ FontRecord GetFaceprintDictionaryFromArrayWithPostscriptName(const FontRecordArr
     const std::string* entryName = FindString(record, kFP_PostScriptNameKey);
     if (entryName == nullptr) continue;
     const bool isInstance = IsInstanceOf(name, *entryName) && IsMultipleMaster(record);
-    if (isInstance) {
-      OutputFormattedDebugString(
-          "...Special case for MM:  matching Faceprint data for PS name \"%s\" to PS name \"%s\"",
-          entryName->c_str(), name);
-    }
+    if (isInstance) TellOfMultipleMasterBase(*entryName, name);
     if (isInstance || *entryName == name) {
       StoreIndex(outIndex, i);
       return record;

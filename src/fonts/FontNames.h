@@ -28,6 +28,8 @@ bool DoesArrayContainFontWithDatabaseID(const FontRecordArray& fonts, std::uint3
                                         std::size_t* outIndex = nullptr);
 // Is it of one of the two Multiple Master kinds?
 bool IsMultipleMaster(const FontRecord& record);
+// Logs that an instance is taken for its base.
+void TellOfMultipleMasterBase(const std::string& baseName, const std::string& name);
 // An exact name, or a Multiple Master base of the asked instance; null if there is none.
 FontRecord GetFaceprintDictionaryFromArrayWithPostscriptName(const FontRecordArray& fonts,
                                                              const char* name,

@@ -17,8 +17,6 @@ namespace PropertyList {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
 // A search that asks about each character: the library's own, for any of a set, makes a call for
 // each.
 template <typename IsWanted>
@@ -31,8 +29,9 @@ constexpr bool IsBlank(char character) {
 }
 
 std::string_view StripBlanks(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+  text.remove_prefix(FindIf(text, std::not_fn(IsBlank)));
+  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 // The whole text is one number of this type.

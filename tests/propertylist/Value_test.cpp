@@ -151,8 +151,8 @@ TEST(FontRecord, NumbersAreReadFromText) {
 
 TEST(FontRecord, DatabaseIDsAndFlags) {
   const FontRecord record = MakeFontRecord();
-  for (const auto& [text, number] : {std::pair("4294967295", 4294967295U),
-                                     std::pair("4294967297", 1U), std::pair("-2", 4294967294U)}) {
+  for (const auto& [text, number] :
+       {std::pair("4294967295", 4294967295U), std::pair("4294967296", 0U), std::pair("-2", 0U)}) {
     record->Set(kFP_DatabaseIDKey, text);
     EXPECT_EQ(RecordDatabaseID(record), number);
   }

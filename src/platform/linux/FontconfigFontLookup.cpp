@@ -36,17 +36,13 @@ const FcChar8* BytesOf(const std::string& path) {
   return reinterpret_cast<const FcChar8*>(path.c_str());
 }
 
-// Font folders with all folders below them, and what the configuration is made of, with the folders
-// where a further file of it could appear.
-std::set<std::string> CollectPaths(FcConfig* config) {
-  std::set<std::string> paths;
-  ForEachPath(FcConfigGetFontDirs(config), [&](const char* path) { paths.insert(path); });
+// What the configuration is made of, with the folders where a further file of it could appear.
+void AddConfigurationPaths(FcConfig* config, std::set<std::string>& paths) {
   ForEachPath(FcConfigGetConfigFiles(config), [&](const char* path) {
     paths.insert(path);
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
     if (folder.extension() == ".d") paths.insert(folder.string());
   });
-  return paths;
 }
 
 }  // namespace
@@ -61,15 +57,22 @@ bool FontconfigFontLookup::IsVisible(const std::string& postScriptName) {
 // anew.
 void FontconfigFontLookup::Rebuild() {
   const timespec started = PathWatch::Now();
-  const std::set<std::string> written = mWatch.TakeWrittenFolders();
+  mWritten.merge(mWatch.TakeWritten());
   const ConfigOwner config(FcInitLoadConfig());
   if (!config) return;
-  for (const std::string& folder : written) {
+  for (const std::string& folder : mWritten) {
+    if (!mFontFolders.contains(folder)) continue;  // a part of the configuration
     FcCache* const cache = FcDirCacheRead(BytesOf(folder), FcTrue, config.get());
     if (cache != nullptr) FcDirCacheUnload(cache);
   }
   if (!FcConfigBuildFonts(config.get())) return;
+  mWritten.clear();
   mNames.clear();
   CollectNames(config.get(), mNames);
-  mWatch.Start(CollectPaths(config.get()), started);
+  mFontFolders.clear();
+  ForEachPath(FcConfigGetFontDirs(config.get()),
+              [this](const char* path) { mFontFolders.insert(path); });
+  std::set<std::string> paths = mFontFolders;
+  AddConfigurationPaths(config.get(), paths);
+  mWatch.Start(paths, started);
 }

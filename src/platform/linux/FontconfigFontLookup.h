@@ -6,6 +6,7 @@
 // file that another process put there is seen at once.
 #pragma once
 
+#include <set>
 #include <string>
 #include <unordered_set>
 
@@ -21,4 +22,6 @@ class FontconfigFontLookup : public FontLookup {
 
   PathWatch mWatch;
   std::unordered_set<std::string> mNames;
+  std::set<std::string> mFontFolders;  // with all folders below them
+  std::set<std::string> mWritten;      // not yet read anew
 };

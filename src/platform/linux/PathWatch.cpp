@@ -60,13 +60,13 @@ void PathWatch::Start(const std::set<std::string>& paths, const timespec& readin
     auto& list = Nanoseconds(ModificationTime(path)) == 0 ? mMissing : mExisting;
     list.push_back({path, {}});
   }
-  AddNotifications();
+  const bool anyCame = RenewNotifications();
   for (Path& path : mExisting) path.modified = ModificationTime(path.name);
   mLastFullLook = MonotonicNow();
   const timespec ended = Now();
-  mChanged = std::any_of(mExisting.begin(), mExisting.end(), [&](const Path& path) {
-    return IsUnsettled(path.modified, readingStarted, ended);
-  });
+  mChanged = anyCame || std::any_of(mExisting.begin(), mExisting.end(), [&](const Path& path) {
+               return IsUnsettled(path.modified, readingStarted, ended);
+             });
 }
 
 bool PathWatch::HasChanged() {
@@ -80,22 +80,29 @@ bool PathWatch::HasChanged() {
   return mChanged;
 }
 
-// Half a set of notifications would be worse than none.
-void PathWatch::AddNotifications() {
-  CloseNotifications();
-  mNotifications = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-  if (mNotifications < 0) return;
+// Half a set of notifications would be worse than none. The old ones are read when the new ones are
+// in place, so that nothing falls between the two; true if any had come.
+bool PathWatch::RenewNotifications() {
+  int fresh = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+  std::multimap<int, std::string> names;
   for (const Path& path : mExisting) {
-    const int watch = inotify_add_watch(mNotifications, path.name.c_str(), kChanges);
-    if (watch < 0) return CloseNotifications();
-    mNameByWatch[watch] = path.name;
+    if (fresh < 0) break;
+    const int watch = inotify_add_watch(fresh, path.name.c_str(), kChanges);
+    names.emplace(watch, path.name);
+    if (watch >= 0) continue;
+    close(fresh);
+    fresh = -1;
   }
+  const bool any = mNotifications >= 0 && ReadNotifications();
+  CloseNotifications();
+  mNotifications = fresh;
+  mNamesByWatch = std::move(names);
+  return any;
 }
 
 void PathWatch::CloseNotifications() {
   if (mNotifications >= 0) close(mNotifications);
   mNotifications = -1;
-  mNameByWatch.clear();
 }
 
 // All that came; true if anything did.
@@ -110,14 +117,20 @@ bool PathWatch::ReadNotifications() {
       inotify_event event;
       std::memcpy(&event, buffer.data() + at, sizeof event);
       at += sizeof event + event.len;
-      const auto name = mNameByWatch.find(event.wd);
-      const bool isWritten = (event.mask & IN_CLOSE_WRITE) != 0;
-      if (isWritten && name != mNameByWatch.end()) mWritten.insert(name->second);
+      NoteWritten(event.wd, event.mask);
     }
   }
 }
 
-std::set<std::string> PathWatch::TakeWrittenFolders() {
+void PathWatch::NoteWritten(int watch, std::uint32_t mask) {
+  const bool wereLost = (mask & IN_Q_OVERFLOW) != 0;
+  if (!wereLost && (mask & IN_CLOSE_WRITE) == 0) return;
+  for (const auto& [number, name] : mNamesByWatch) {
+    if (wereLost || number == watch) mWritten.insert(name);
+  }
+}
+
+std::set<std::string> PathWatch::TakeWritten() {
   if (mNotifications >= 0 && ReadNotifications()) mChanged = true;
   return std::exchange(mWritten, {});
 }

@@ -27,9 +27,10 @@ class PathWatch {
   void Start(const std::set<std::string>& paths, const timespec& readingStarted);
   // Stays true until the next Start.
   bool HasChanged();
-  // The watched folders in which a file was written to its end since the last call: a folder's own
-  // time does not tell of it. Empty where notifications can't be had.
-  std::set<std::string> TakeWrittenFolders();
+  // The watched paths in which (or at which) a file was written to its end since the last call: a
+  // folder's own time does not tell of it. Empty where notifications can't be had; all of them
+  // where so many came that some were lost.
+  std::set<std::string> TakeWritten();
 
  private:
   struct Path {
@@ -37,15 +38,17 @@ class PathWatch {
     timespec modified;  // zero if it is not there
   };
 
-  void AddNotifications();
+  bool RenewNotifications();
   void CloseNotifications();
   bool ReadNotifications();
+  void NoteWritten(int watch, std::uint32_t mask);
   static bool IsUnchanged(const std::vector<Path>& paths);
 
   std::vector<Path> mExisting;
   std::vector<Path> mMissing;
   int mNotifications = -1;  // the kernel's descriptor; -1 where there is none
-  std::map<int, std::string> mNameByWatch;
+  // One watch may stand for several names of one folder.
+  std::multimap<int, std::string> mNamesByWatch;
   std::set<std::string> mWritten;
   std::int64_t mLastFullLook = 0;
   bool mChanged = true;
