@@ -41,6 +41,8 @@ class Sequence {
     const unsigned kind = Any(10);
     const FontRecordArray fonts = MakeFontRecordArray();
     if (kind == 0) {
+      // What a quit leaves whose end can't be told is promised by nobody.
+      if (mModel.failure.first == "EndActivationChange") mModel.failure = {};
       return Compare([&] { return mModel.Quit(turnOff); },
                      [&] { return mTracker.CloseAllFonts(turnOff, false); }, nullptr);
     }
@@ -88,10 +90,19 @@ class Sequence {
     mManager.unable = mModel.unable = pick();
     mModel.failure = {};
     if (!OneIn(3)) return;
-    const auto operation = std::array{"ActivateFontsByID", "DeactivateFonts", "DeactivateFont",
-                                      "DeactivateFont(2)", "GetClientFontActivationStates"};
+    const auto operation = std::array{"ActivateFontsByID",
+                                      "DeactivateFonts",
+                                      "DeactivateFont",
+                                      "DeactivateFont(2)",
+                                      "EndActivationChange",
+                                      "GetClientFontActivationStates",
+                                      "BeginOpening",
+                                      "SetCountForLongOperations",
+                                      "FinishOpening",
+                                      "FinishClosing",
+                                      "SetCountForLongOperations(1)"};
     const auto code = std::array{-1, TrackerModel::kGone, TrackerModel::kThrows};
-    mModel.failure = {operation[Any(5)], code[Any(3)]};
+    mModel.failure = {operation[Any(operation.size())], code[Any(3)]};
   }
 
   // Nobody changes one, so the sequences share them.
@@ -108,7 +119,9 @@ class Sequence {
   std::string Compare(const std::function<int()>& ofModel, const std::function<int()>& ofTracker,
                       const FontRecordArray& turnedOff) {
     const auto& [failing, failure] = mModel.failure;
-    if (failure != 0) mManager.FailAt(failing, 0, failure);
+    const bool once = failing == "EndActivationChange";
+    if (failure != 0)
+      mManager.FailAt(failing, once ? mManager.CountOfCalls(failing) + 1 : 0, failure);
     Outcome right{TrackerModel::CodeOf(ofModel), mModel.calls, {}, {}, {}};
     Outcome found{TrackerModel::CodeOf(ofTracker), mManager.calls, {}, {}, {}};
     for (const auto& [id, font] : mModel.fonts) {
