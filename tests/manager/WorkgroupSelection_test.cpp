@@ -145,13 +145,12 @@ TEST_F(WorkgroupSelection, NamesAndIDsGoBothWays) {
   EXPECT_EQ(fontManager.GetWorkgroupID(std::nullopt, &id), -1);
   EXPECT_EQ(fontManager.SetDefaultWorkgroupName(std::nullopt), -1);
 
-  const FontRecordArray fonts = MakeFonts({ReadRecord("WorkgroupID=13"), MakeFontRecord()});
-  EXPECT_EQ(fontManager.AddWorkgroupNamesToFonts(fonts), -1);
-  fonts->Append(ReadRecord("WorkgroupID=12"));
-  fonts->Append(ReadRecord("WorkgroupID=14"));
-  EXPECT_EQ(fontManager.AddWorkgroupNamesToFonts(fonts), 0);
-  EXPECT_EQ(WriteRecord(fonts->DictionaryAt(2)), "WorkgroupID=12|WorkgroupName=Library 1");
-  EXPECT_EQ(WriteRecord(fonts->DictionaryAt(0)), "WorkgroupID=13");
+  const FontRecord known = ReadRecord("WorkgroupID=12");
+  const FontRecord other = ReadRecord("WorkgroupID=13");
+  EXPECT_EQ(fontManager.AddWorkgroupNamesToFonts(MakeFonts({other, MakeFontRecord()})), -1);
+  EXPECT_EQ(fontManager.AddWorkgroupNamesToFonts(MakeFonts({known, other})), 0);
+  EXPECT_EQ(WriteRecord(known), "WorkgroupID=12|WorkgroupName=Library 1");
+  EXPECT_EQ(WriteRecord(other), "WorkgroupID=13");
 }
 
 TEST_F(WorkgroupSelection, IsValidByNameAndAsksForWhatItNeeds) {

@@ -51,6 +51,15 @@ std::vector<std::string> FakeFontManager::CallsOf(const std::string& operation) 
   return result;
 }
 
+std::string FakeFontManager::NamesAsked() const {
+  std::string names;
+  for (const std::string& call : CallsOf("CountNamedFonts")) {
+    const std::size_t start = call.find('(') + 1;
+    names += (names.empty() ? "" : ", ") + call.substr(start, call.size() - start - 1);
+  }
+  return names;
+}
+
 int FakeFontManager::Call(const std::string& operation, const std::string& arguments) {
   calls.push_back(operation + "(" + arguments + ")");
   return Count(operation, calls.back());
