@@ -145,7 +145,6 @@ TEST_F(Tracker, BadInputIsToldAndPassedOver) {
       {MakeNamed("X"), unmatched + "\"X\"", 0},
       {MakeRecord({{kFP_MatchedFontKey, "text"}}), unmatched + "\"<NULL>\"", 0},
       {match("5", Value()), incomplete, 0},
-      {match("5", 5), incomplete, 0},
       {match("abc"), incomplete, 0},
       {match("99999999999"), incomplete, 0},
       {match("5", ""), "Adding '' (5) because it is not active.", 1},

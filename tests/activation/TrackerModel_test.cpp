@@ -42,7 +42,7 @@ class Sequence {
       // What a quit leaves whose end can't be told is promised by nobody.
       if (mModel.failure.first == "EndActivationChange") mModel.failure = {};
       return Compare([&] { return mModel.Quit(turnOff); },
-                     [&] { return mTracker.CloseAllFonts(turnOff, false); }, nullptr);
+                     [&] { return mTracker.CloseAllFonts(turnOff, false); });
     }
     if (kind < 5) {
       return Compare(
@@ -60,8 +60,7 @@ class Sequence {
                    [&] {
                      return mTracker.OpenFontsForIdentifier(fonts, document, false, nullptr,
                                                             MakeFontRecordArray());
-                   },
-                   nullptr);
+                   });
   }
 
  private:
@@ -115,7 +114,7 @@ class Sequence {
   }
 
   std::string Compare(const std::function<int()>& ofModel, const std::function<int()>& ofTracker,
-                      const FontRecordArray& turnedOff) {
+                      const FontRecordArray& turnedOff = nullptr) {
     const auto& [failing, failure] = mModel.failure;
     const bool once = failing == "EndActivationChange";
     if (failure != 0)
