@@ -19,7 +19,8 @@ using IDs = TrackerModel::IDs;
 
 // What can be seen after a step: code, calls, fonts that are on, fonts that a closing says it
 // turned off, and the registrations of each document.
-using Outcome = std::tuple<int, std::vector<std::string>, IDs, IDs, std::vector<std::size_t>>;
+using Outcome =
+    std::tuple<int, std::vector<std::string>, IDs, std::string, std::vector<std::size_t>>;
 
 class Sequence {
  public:
@@ -125,10 +126,8 @@ class Sequence {
       if (font.isOn) std::get<2>(right).push_back(id);
       if (mManager.Find(id)->state == kActivationStateActive) std::get<2>(found).push_back(id);
     }
-    if (turnedOff) std::get<3>(right) = mModel.turnedOff;
-    for (std::size_t i = 0; i < CountOf(turnedOff); ++i) {
-      std::get<3>(found).push_back(RecordDatabaseID(turnedOff->DictionaryAt(i)));
-    }
+    if (turnedOff) std::get<3>(right) = TrackerModel::List(mModel.turnedOff);
+    std::get<3>(found) = IDsOf(turnedOff);
     for (const char* document : {"one", "two", "three", "part", ""}) {
       const auto held = mModel.documents.find(document);
       std::get<4>(right).push_back(held == mModel.documents.end() ? 0 : held->second.size());

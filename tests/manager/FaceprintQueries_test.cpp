@@ -18,14 +18,6 @@ class Queries : public testing::Test {
   int Ask(const std::optional<std::string>& name) {
     return manager->GetFaceprintDataForFontName(name, kPostScriptFontName, nullptr, 11, candidates);
   }
-  // Of the candidates.
-  std::string IDs() {
-    std::string ids;
-    for (std::size_t i = 0; i < CountOf(candidates); ++i) {
-      ids += RecordString(candidates->DictionaryAt(i), kFP_DatabaseIDKey);
-    }
-    return ids;
-  }
   void Reset() {
     manager.reset();
     manager = std::make_unique<FakeFontManager>();
@@ -103,9 +95,9 @@ TEST_F(NameLadder, BestMatchForTheSourceComesFirst) {
   manager->Add(1, "Name", {{kFP_KindKey, "OpenType"}});
   manager->Add(2, "Name", {{kFP_KindKey, "TrueType"}});
   EXPECT_EQ(Climb("PostScriptName=Name|FontKind=truetype"), 0);
-  EXPECT_EQ(IDs(), "21");
+  EXPECT_EQ(IDsOf(candidates), "2,1");
   EXPECT_EQ(Climb("PostScriptName=Name"), 0);
-  EXPECT_EQ(IDs(), "12");
+  EXPECT_EQ(IDsOf(candidates), "1,2");
 }
 
 TEST_F(QueryByName, WritesTheDatabaseStateIntoEachRecord) {
@@ -127,12 +119,12 @@ TEST_F(QueryByName, PassesOverWhatItCannotReadAndStopsWhenTheFontManagerHasGone)
   // Of three fonts the second one is special: what fails there and its code, or its text; the
   // result, what comes back, and the log.
   const char* table = R"(
-    GetNamedFontInfo / -1 / 0 / 13 / ;   GetNamedFontInfo / 1000 / 1000 / 1 /
-    GetFaceprintInfo / -1 / 0 / 13 / ...GetFaceprintInfo returned -1 for Name (databaseID 2).
+    GetNamedFontInfo / -1 / 0 / 1,3 / ;   GetNamedFontInfo / 1000 / 1000 / 1 /
+    GetFaceprintInfo / -1 / 0 / 1,3 / ...GetFaceprintInfo returned -1 for Name (databaseID 2).
     GetFaceprintInfo / 1000 / 1000 / 1 / ...GetFaceprintInfo returned 1000 for Name (databaseID 2).
-    / junk               / 0 / 13 / ...CFPropertyListCreateFromXMLData failed on "junk"
-    / array              / 0 / 13 / ...CFPropertyListCreateFromXMLData failed on "<plist>
-    / huge               / 0 / 13 / ...GetFaceprintInfo returned 0 but no Faceprint info for Name)";
+    / junk               / 0 / 1,3 / ...CFPropertyListCreateFromXMLData failed on "junk"
+    / array              / 0 / 1,3 / ...CFPropertyListCreateFromXMLData failed on "<plist>
+    / huge               / 0 / 1,3 / ...GetFaceprintInfo returned 0 but no Faceprint info for Name)";
   const std::map<std::string, std::string> texts = {
       {"junk", "junk"}, {"array", "<plist><array/></plist>"}, {"huge", std::string(65536, 'x')}};
   for (const auto& row : ReadTable(table)) {
@@ -145,7 +137,7 @@ TEST_F(QueryByName, PassesOverWhatItCannotReadAndStopsWhenTheFontManagerHasGone)
     }
     LogCapture log;
     EXPECT_EQ(Ask("Name"), std::stoi(row[2]));
-    EXPECT_EQ(IDs(), row[3]) << row[0] << row[1];
+    EXPECT_EQ(IDsOf(candidates), row[3]) << row[0] << row[1];
     EXPECT_TRUE(row[4].empty() || log.HasPart(row[4])) << row[4];
     EXPECT_EQ(manager->CountOfCalls("EndGetFaceprintInfo"), 1);
   }
@@ -162,7 +154,7 @@ TEST_F(QueryByName, LeavesOutDisabledRemoteWorkgroups) {
   EXPECT_EQ(Climb("PostScriptName=Name"), 0);
   EXPECT_TRUE(excludedRemote);
   EXPECT_TRUE(log.HasPart("Excluding version with checksum 77 because it's remote"));
-  EXPECT_EQ(IDs(), "13");
+  EXPECT_EQ(IDsOf(candidates), "1,3");
 }
 
 TEST_F(QueryByName, LeavesTheCallersArrayWhereNothingIsFound) {
@@ -177,7 +169,7 @@ TEST_F(QueryByName, LeavesTheCallersArrayWhereNothingIsFound) {
   manager->Add(1, "Name");
   manager->countOfNamed = 2;  // one more than there are
   EXPECT_EQ(Ask("Name"), -1);
-  EXPECT_EQ(IDs(), "1");
+  EXPECT_EQ(IDsOf(candidates), "1");
   candidates = nullptr;
   EXPECT_EQ(Ask("Name"), -50);
 }

@@ -4,19 +4,7 @@
 #include <stdexcept>
 
 #include "fonts/FontRecordOperations.h"
-
-namespace {
-
-std::string IDsOf(const FontRecordArray& fonts) {
-  std::string ids;
-  for (std::size_t i = 0; i < CountOf(fonts); ++i) {
-    if (i != 0) ids += ',';
-    ids += std::to_string(RecordDatabaseID(fonts->DictionaryAt(i)));
-  }
-  return ids;
-}
-
-}  // namespace
+#include "support/FontRecords.h"
 
 FakeFontManager::Font& FakeFontManager::Add(
     std::uint32_t id, const std::string& name,
