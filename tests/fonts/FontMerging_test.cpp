@@ -86,9 +86,9 @@ TEST(FontMerging, CountsAndLists) {
 
   const FontRecord slug = ReadRecord("PostScriptName=B|FontKind=x");
   const FontRecordArray slugs = CreateFaceprintSlugsWithFaceprintFontsAndDocumentFonts(
-      MakeFonts({MakeNamed("Z"), slug}),
-      MakeFonts({MakeNamed("A"), MakeFontRecord(), MakeNamed("B")}));
-  EXPECT_EQ(NamesOf(slugs), (Names{"A", "B"}));
+      MakeFonts({MakeNamed("Z"), slug, MakeNamed("B")}),
+      MakeFonts({MakeNamed("A"), MakeFontRecord(), MakeNamed("B"), MakeNamed("B_1")}));
+  EXPECT_EQ(NamesOf(slugs), (Names{"A", "B", "B_1"}));
   EXPECT_EQ(slugs->DictionaryAt(1), slug);
   const FontRecordArray trimmed =
       MakeFonts({MakeNamed("C"), MakeNamed("A"), MakeFontRecord(), MakeNamed("D")});

@@ -80,7 +80,7 @@ TEST_F(WorkgroupSelection, DoesNotStartWithinItself) {
   fontManager.HandleSelectWorkgroup();
   EXPECT_EQ(nested, 1);
   EXPECT_EQ(fontManager.CountOfCalls("GetAllWorkgroupsForUser"), 1);
-  fontManager.workgroups = {{"11", "Library"}};
+  fontManager.workgroups = {{"0", "None"}, {"11", "Library"}};
   fontManager.HandleSelectWorkgroup();
   EXPECT_EQ(Selected(), 11) << "the guard has gone";
 }
@@ -143,11 +143,11 @@ TEST_F(WorkgroupSelection, NamesAndIDsGoBothWays) {
   EXPECT_EQ(fontManager.SetDefaultWorkgroupName(std::nullopt), -1);
 
   const FontRecord known = ReadRecord("WorkgroupID=12");
-  const FontRecord other = ReadRecord("WorkgroupID=13");
+  const FontRecord other = ReadRecord("WorkgroupID=4294967308");  // 12 in 32 bits
   EXPECT_EQ(fontManager.AddWorkgroupNamesToFonts(MakeFonts({other, MakeFontRecord()})), -1);
   EXPECT_EQ(fontManager.AddWorkgroupNamesToFonts(MakeFonts({known, other})), 0);
   EXPECT_EQ(WriteRecord(known), "WorkgroupID=12|WorkgroupName=Library 1");
-  EXPECT_EQ(WriteRecord(other), "WorkgroupID=13");
+  EXPECT_FALSE(RecordHas(other, kFP_WorkgroupNameKey));
 }
 
 TEST_F(WorkgroupSelection, IsValidByNameAndAsksForWhatItNeeds) {
