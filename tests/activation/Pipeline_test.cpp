@@ -165,7 +165,7 @@ TEST_F(Pipeline, IDsOfTheLastFontRemain) {
   const FontRecordArray fonts =
       MakeFonts({MakeNamed("A"), ReadRecord("Family=B"), ReadRecord("Family=Nowhere")});
   EXPECT_EQ(FindIDsForBestMatches(fonts, &matched, 7), 0);
-  EXPECT_EQ(NamesOf(matched), (Names{"B-Bold", "B-Light"}));
+  ASSERT_EQ(NamesOf(matched), (Names{"B-Bold", "B-Light"}));
   const FontRecord inner = matched->DictionaryAt(1)->GetDictionary(kFP_MatchedFontKey);
   EXPECT_EQ(WriteRecord(inner), "PostScriptName=B-Light|DatabaseID=3|WorkgroupID=7");
   FindIDsForBestMatches(MakeFonts({}), &matched, 7);
