@@ -18,9 +18,8 @@ using All = AllTrackedDocuments;
 class TrackedDocuments : public testing::Test {
  protected:
   ~TrackedDocuments() override {
-    while (!All::GetDocumentList().empty()) {
-      All::RemoveClosedDocument(All::GetDocumentList().front());
-    }
+    const std::vector<OneTrackedDocument*> left = All::GetDocumentList();
+    for (OneTrackedDocument* document : left) All::RemoveClosedDocument(document);
   }
 
   // A record in the list, which owns it.
