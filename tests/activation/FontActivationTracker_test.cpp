@@ -125,42 +125,35 @@ TEST_F(Tracker, BadInputIsToldAndPassedOver) {
   };
   const FontRecord itself = MakeRecord({{kFP_PostScriptNameKey, "I"}, {kFP_DatabaseIDKey, "9"}});
   itself->Set(kFP_MatchedFontKey, itself);
+  const std::string foreign = "   ...Error:  Array element at i = 0 is NOT A DICTIONARY!!";
   const std::string unmatched = "...Skipping font with no matched font in dictionary:  PS name ";
   const std::string incomplete =
       "   ...Error:  PostscriptName and/or DatabaseID not found in matched font dict for i = 0";
   const std::string homeless =
       "WARNING:  font 0 for document '' has no kFP_SubDocumentsWithFontKey";
-  const auto added = [](const std::string& name, const char* id) {
-    return "Adding '" + name + "' (" + id + ") because it is not active.";
-  };
-  const std::string name128(128, 'n');
+  const std::string ready = "Ready to batch-activate 1 fonts";
   const struct {
-    const char* document;
     Value element;
     std::string line;
     std::size_t registered;  // under "doc"
+    const char* document = "doc";
   } rows[] = {
-      {"doc", {}, "WARNING:  font 0 for document 'doc' is NULL", 0},
-      {"doc", "text", "   ...Error:  Array element at i = 0 is NOT A DICTIONARY!!", 0},
-      {"doc", MakeFonts({}), "   ...Error:  Array element at i = 0 is NOT A DICTIONARY!!", 0},
-      {"doc", MakeFontRecord(), unmatched + "\"<NULL>\"", 0},
-      {"doc", MakeNamed("X"), unmatched + "\"X\"", 0},
-      {"doc", MakeRecord({{kFP_MatchedFontKey, "text"}}), unmatched + "\"<NULL>\"", 0},
-      {"doc", match("5", Value()), incomplete, 0},
-      {"doc", match("5", 5), incomplete, 0},
-      {"doc", match(Value()), incomplete, 0},
-      {"doc", match("abc"), incomplete, 0},
-      {"doc", match(""), incomplete, 0},
-      {"doc", match("0"), incomplete, 0},
-      {"doc", match("-1"), incomplete, 0},
-      {"doc", match("99999999999"), incomplete, 0},
-      {"doc", match("5", ""), added("", "5"), 1},
-      {"doc", match("5", name128), added(name128, "5"), 1},
-      {"doc", match("5", std::string(100'000, 'n')), "Ready to batch-activate 1 fonts", 1},
-      {"doc", itself, added("I", "9"), 1},
-      {"", match("5"), homeless, 0},
-      {"", match("5", "X", "doc"), homeless, 0},
-      {"", match("5", "X", MakeFonts({Value(), 7, itself, "doc", "", "doc"})), added("X", "5"), 2},
+      {{}, "WARNING:  font 0 for document 'doc' is NULL", 0},
+      {"text", foreign, 0},
+      {MakeFonts({}), foreign, 0},
+      {MakeFontRecord(), unmatched + "\"<NULL>\"", 0},
+      {MakeNamed("X"), unmatched + "\"X\"", 0},
+      {MakeRecord({{kFP_MatchedFontKey, "text"}}), unmatched + "\"<NULL>\"", 0},
+      {match("5", Value()), incomplete, 0},
+      {match("abc"), incomplete, 0},
+      {match("99999999999"), incomplete, 0},
+      {match("5", ""), "Adding '' (5) because it is not active.", 1},
+      {match("5", std::string(128, 'n')), ready, 1},
+      {match("5", std::string(100'000, 'n')), ready, 1},
+      {itself, ready, 1},
+      {match("5"), homeless, 0, ""},
+      {match("5", "X", "doc"), homeless, 0, ""},
+      {match("5", "X", MakeFonts({Value(), 7, itself, "doc", "", "doc"})), ready, 2, ""},
   };
   const FontRecordArray all = MakeFonts({});
   for (const auto& row : rows) {
@@ -182,97 +175,6 @@ TEST_F(Tracker, BadInputIsToldAndPassedOver) {
   EXPECT_EQ(AppendFaceprintDataToFonts(all, 0, true, false, true), -1);
   EXPECT_EQ(NamesOf(all), (std::vector<std::string>{"", "", ""}));  // what is no record
   itself->Remove(kFP_MatchedFontKey);
-}
-
-namespace {
-
-struct Step {
-  int code;
-  std::vector<std::string> calls;
-};
-
-std::string OperationOf(const std::string& call) { return call.substr(0, call.find('(')); }
-
-// A day with every kind of call, one of which fails.
-std::vector<Step> PlayDay(const std::string& failing, int nth, int code) {
-  Books books;
-  if (code != 0) books.mManager.FailAt(failing, nth, code);
-  for (const auto& [id, name] : {std::pair{1u, "A"}, {2u, "A"}, {3u, "B"}, {4u, "C"}}) {
-    books.mManager.Add(id, name);
-  }
-  const auto fonts = [] { return MakeFonts({MakeNamed("B"), MakeNamed("A"), MakeNamed("C")}); };
-  const std::function<int()> day[] = {
-      [&] {
-        return FaceprintSupport::ProcessDocumentFontsForAutoActivation(
-            fonts(), MakeFonts({}), MakeFonts({}), true, false, 0, nullptr);
-      },
-      [&] { return FaceprintSupport::AppendFaceprintDataToFonts(fonts(), 0, true, true, false); },
-      [&] {
-        return books.Open("one", {1, 3});
-      },
-      [&] {
-        return books.Open("two", {1, 4});
-      },
-      [&] { return books.Close("one"); },
-      [&] {
-        return books.Open("three", {3, 4});
-      },
-      [&] { return books.mManager.coreAgent = false, books.Close("three"); },
-      [&] { return books.mManager.coreAgent = true, books.mTracker.CloseAllFonts(true, false); },
-      [&] { return books.Close("two"); },
-      [&] {
-        for (auto& font : books.mManager.fonts) font.state = kActivationStateInactive;
-        return books.Open("last", {1});
-      },
-      [&] { return books.Close("last"); },
-  };
-  std::vector<Step> steps;
-  for (const auto& step : day) {
-    books.mManager.calls.clear();
-    const int result = TrackerModel::CodeOf(step);
-    steps.push_back({result, books.mManager.calls});
-  }
-  return steps;
-}
-
-}  // namespace
-
-TEST_F(Tracker, EveryCallMayFail) {
-  const std::set<std::string> answers = {"ActivateFontsByID", "DeactivateFonts",
-                                         "DeactivateFont",    "CountNamedFonts",
-                                         "GetNamedFontInfo",  "GetFaceprintInfo"};
-  const std::set<std::string> marks = {"BeginOpening", "FinishOpening", "FinishClosing",
-                                       "SetCountForLongOperations", "EndActivationChange"};
-  const std::vector<Step> good = PlayDay("", 0, 0);
-  std::map<std::string, int> count;
-  for (std::size_t at = 0; at < good.size(); ++at) {
-    const std::vector<std::string>& calls = good[at].calls;
-    for (auto call = calls.begin(); call != calls.end(); ++call) {
-      const std::string failing = OperationOf(*call);
-      const int nth = ++count[failing];
-      const bool isLast =
-          std::ranges::find(call + 1, calls.end(), failing, OperationOf) == calls.end();
-      for (const int code : {-1, kErrorKestraneNotRunning, TrackerModel::kThrows}) {
-        SCOPED_TRACE(failing + " " + std::to_string(nth) + " gives " + std::to_string(code));
-        const std::vector<Step> bad = PlayDay(failing, nth, code);
-        // Another answer than 1000 is forgotten over the next.
-        const bool counts =
-            code == TrackerModel::kThrows || (answers.contains(failing) && (isLast || code != -1));
-        for (std::size_t i = 0; i < bad.size(); ++i) {
-          EXPECT_EQ(bad[i].code, i == at && counts ? code : 0) << "step " << i;
-        }
-        const std::vector<std::string>& left = bad[at].calls;
-        if (calls.back() == "SetCountForLongOperations(1)" && !marks.contains(failing)) {
-          EXPECT_EQ(left.back(), calls.back());
-          EXPECT_EQ(std::ranges::count(left, "EndActivationChange()"), 1);
-        }
-        // The books are in order again.
-        if (at + 2 >= good.size()) continue;
-        EXPECT_EQ(bad[good.size() - 2].calls, good[good.size() - 2].calls);
-        EXPECT_EQ(bad.back().calls, good.back().calls);
-      }
-    }
-  }
 }
 
 TEST_F(Tracker, ManuallyActivatedFontsAreTakenOut) {

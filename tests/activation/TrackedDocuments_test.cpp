@@ -13,62 +13,53 @@
 
 namespace {
 
+using All = AllTrackedDocuments;
+
 class TrackedDocuments : public testing::Test {
  protected:
   ~TrackedDocuments() override {
-    while (!AllTrackedDocuments::GetDocumentList().empty()) {
-      AllTrackedDocuments::RemoveClosedDocument(AllTrackedDocuments::GetDocumentList().front());
-    }
+    const std::vector<OneTrackedDocument*> left = All::GetDocumentList();
+    for (OneTrackedDocument* document : left) All::RemoveClosedDocument(document);
   }
 
-  // A record in the list; the list owns it.
+  // A record in the list, which owns it.
   static OneTrackedDocument* Add(const char* identifier, const char* path) {
     auto document = std::make_unique<OneTrackedDocument>();
     document->SetIdentifier(identifier);
-    AllTrackedDocuments::AddDocument(document.get(), path);
+    All::AddDocument(document.get(), path);
     return document.release();
   }
 
   IdentifiedPlugin mPlugin;
+  LogCapture mLog;
 };
 
-}  // namespace
-
-TEST_F(TrackedDocuments, APathIsTrackedOnce) {
+TEST_F(TrackedDocuments, AreFoundByWhatTheyAre) {
   OneTrackedDocument* first = Add("1", "/a");
   OneTrackedDocument* untitled = Add("2", "");
   OneTrackedDocument late;
-  late.SetIdentifier("3");
-  AllTrackedDocuments::AddDocument(&late, "/a");
-  AllTrackedDocuments::AddDocument(&late, "");
-  AllTrackedDocuments::AddDocument(nullptr, "/zeroed");
-  EXPECT_EQ(AllTrackedDocuments::GetDocumentList().size(), 3u);
-  EXPECT_EQ(AllTrackedDocuments::FindTrackedDocumentByPath("/a"), first);
-  EXPECT_EQ(AllTrackedDocuments::FindTrackedDocumentByPath(""), untitled);
-  EXPECT_EQ(AllTrackedDocuments::FindTrackedDocumentByPath("/A"), nullptr);
-  EXPECT_EQ(AllTrackedDocuments::FindTrackedDocumentByIdentifier("3"), nullptr);
+  for (const char* path : {"/a", ""}) All::AddDocument(&late, path);  // tracked already
+  All::AddDocument(nullptr, "/zeroed");
+  EXPECT_EQ(All::GetDocumentList().size(), 3u);
+  EXPECT_EQ(All::FindTrackedDocumentByPath("/a"), first);
+  EXPECT_EQ(All::FindTrackedDocumentByPath("/A"), nullptr);
   first->SetDocumentHandle(0x1234);
-  EXPECT_EQ(AllTrackedDocuments::FindTrackedDocumentByHandle(0x1234), first);
-  EXPECT_EQ(AllTrackedDocuments::FindTrackedDocumentByHandle(0), untitled);
-  untitled->SetDocumentHandle(5);
-  LogCapture log;
-  EXPECT_EQ(AllTrackedDocuments::FindTrackedDocumentByHandle(0x77), nullptr);
-  EXPECT_TRUE(log.Has("WARNING: FindTrackedDocumentByHandle() could not find document 0x00000077"));
-  AllTrackedDocuments::SetCurrentDocument("2");
-  EXPECT_EQ(AllTrackedDocuments::GetCurrentDocument(), untitled);
-}
-
-TEST_F(TrackedDocuments, TheMostRecentOneIsTheFirstOfTheLatest) {
-  OneTrackedDocument* first = Add("1", "/a");
-  OneTrackedDocument* second = Add("2", "/b");
-  OneTrackedDocument* third = Add("3", "/c");
-  EXPECT_EQ(AllTrackedDocuments::GetMostRecentlyOpenedDocument(), nullptr);
+  EXPECT_EQ(All::FindTrackedDocumentByHandle(0x1234), first);
+  EXPECT_EQ(All::FindTrackedDocumentByHandle(0), untitled);
+  EXPECT_EQ(All::FindTrackedDocumentByHandle(0x77), nullptr);
+  EXPECT_TRUE(
+      mLog.Has("WARNING: FindTrackedDocumentByHandle() could not find document 0x00000077"));
+  All::SetCurrentDocument("2");
+  EXPECT_EQ(All::GetCurrentDocument(), untitled);
+  // The most recent one is the first of the latest.
+  EXPECT_EQ(All::GetMostRecentlyOpenedDocument(), nullptr);
   first->SetTimeOpenEventWasHandled();
   mPlugin.platform.runLoop.Advance(2);
-  second->SetTimeOpenEventWasHandled();
-  third->SetTimeOpenEventWasHandled();
-  EXPECT_EQ(AllTrackedDocuments::GetMostRecentlyOpenedDocument(), second);
-  EXPECT_EQ(second->GetTimeOpenEventWasHandled() - first->GetTimeOpenEventWasHandled(), 2);
+  for (OneTrackedDocument* document : {untitled, Add("3", "/c")}) {
+    document->SetTimeOpenEventWasHandled();
+  }
+  EXPECT_EQ(All::GetMostRecentlyOpenedDocument(), untitled);
+  EXPECT_EQ(untitled->GetTimeOpenEventWasHandled() - first->GetTimeOpenEventWasHandled(), 2);
 }
 
 TEST_F(TrackedDocuments, MissingFonts) {
@@ -77,7 +68,6 @@ TEST_F(TrackedDocuments, MissingFonts) {
   const FontRecordArray problems =
       MakeFonts({MakeRecord({{kFP_PossibleReplacementsKey, MakeFonts({MakeNamed("X")})}})});
   document.SetUnresolvedFonts(problems);
-  document.SetUnresolvedFonts(document.GetUnresolvedFonts());
   EXPECT_FALSE(document.GetHasMissingFonts());
   problems->Append(MakeNamed("Gone"));
   EXPECT_TRUE(document.GetHasMissingFonts());
@@ -87,26 +77,24 @@ TEST_F(TrackedDocuments, RemovalDropsTheReferences) {
   FakeFontManager manager;
   manager.Add(1, "A");
   const FontRecord element = MakeRecord({{kFP_MatchedFontKey, manager.Find(1)->info->Copy()}});
-  FontActivationTracker* tracker = KestraneGlobals::GetSharedFontActivationTracker();
   OneTrackedDocument* document = Add("doc", "/a");
-  tracker->OpenFontsForIdentifier(MakeFonts({element}), "doc", false, nullptr, nullptr);
+  KestraneGlobals::GetSharedFontActivationTracker()->OpenFontsForIdentifier(
+      MakeFonts({element}), "doc", false, nullptr, nullptr);
   OneTrackedDocument stranger;
   stranger.SetIdentifier("stranger");
-  AllTrackedDocuments::RemoveClosedDocument(&stranger);
-  AllTrackedDocuments::RemoveClosedDocument(nullptr);
+  for (OneTrackedDocument* unknown : {&stranger, static_cast<OneTrackedDocument*>(nullptr)}) {
+    All::RemoveClosedDocument(unknown);
+  }
   EXPECT_EQ(manager.CountOfCalls("FinishClosing"), 0);
-  AllTrackedDocuments::RemoveClosedDocument(document);
+  All::RemoveClosedDocument(document);
   // Without a dialog framework the preference is off: the font stays on.
   EXPECT_EQ(manager.CallsOf("FinishClosing"),
             (std::vector<std::string>{"FinishClosing(doc,some)"}));
   EXPECT_EQ(manager.Find(1)->state, kActivationStateActive);
-  EXPECT_TRUE(AllTrackedDocuments::GetDocumentList().empty());
-
-  LogCapture log;
-  document = Add("doc", "/a");
-  tracker->OpenFontsForIdentifier(MakeFonts({element}), "doc", false, nullptr, nullptr);
-  manager.ThrowAt("DeactivateFonts", 0);
-  AllTrackedDocuments::RemoveClosedDocument(document);
-  EXPECT_TRUE(log.Has("Exception thrown in RemoveClosedDocument()"));
-  manager.FailAt("DeactivateFonts", 0, 0);
+  EXPECT_TRUE(All::GetDocumentList().empty());
+  manager.ThrowAt("FinishClosing", 2);
+  All::RemoveClosedDocument(Add("doc", "/a"));
+  EXPECT_TRUE(mLog.Has("Exception thrown in RemoveClosedDocument()"));
 }
+
+}  // namespace

@@ -48,8 +48,10 @@ struct TrackerModel {
   int Ask(const std::string& operation, const std::string& arguments = "") {
     calls.push_back(operation + "(" + arguments + ")");
     if (failure.first != operation && failure.first != calls.back()) return 0;
-    if (failure.second == kThrows) throw std::runtime_error(operation);
-    return failure.second;
+    const int code = failure.second;
+    if (operation == "EndActivationChange") failure = {};  // only once: a failed end is told again
+    if (code == kThrows) throw std::runtime_error(operation);
+    return code;
   }
   int Announce(std::size_t n) { return Ask("SetCountForLongOperations", std::to_string(n)); }
   static std::string List(const IDs& ids) {
@@ -57,11 +59,9 @@ struct TrackerModel {
     for (const ID id : ids) list += (list.empty() ? "" : ",") + std::to_string(id);
     return list;
   }
-  // Whatever comes of a change, its end is told.
+  // A change that fails is ended all the same.
   int Change(const std::function<int()>& change) try {
-    const int result = change();
-    Ask("EndActivationChange");
-    return result;
+    return change();
   } catch (const std::runtime_error&) {
     Ask("EndActivationChange"), Announce(1);
     throw;
@@ -71,6 +71,7 @@ struct TrackerModel {
     if (!isConnected) return kGone;
     Ask("BeginOpening", document), Announce(matches.size());
     const int result = Change([&] { return hasBatches ? Activate(document, matches, part) : 0; });
+    Ask("EndActivationChange");
     Ask("FinishOpening", document), Announce(1);
     return result;
   }
@@ -97,9 +98,14 @@ struct TrackerModel {
     if (!isConnected) return kGone;
     bool allClosed = turnOff;
     int result = 0;
-    if (const auto known = documents.extract(document)) {
-      Announce(known.mapped().size());
-      result = Change([&] { return Release(known.mapped(), turnOff, allClosed); });
+    if (documents.contains(document)) {
+      Announce(documents[document].size());
+      const IDs ids = documents.extract(document).mapped();
+      result = Change([&] {
+        const int code = Release(ids, turnOff, allClosed);
+        Ask("EndActivationChange");
+        return code;
+      });
     }
     Ask("FinishClosing", document + (allClosed ? ",all" : ",some")), Announce(1);
     return result;

@@ -66,13 +66,6 @@ int CountAfterMerging(const FontRecordArray& fonts) {
   return static_cast<int>(destination->Count());
 }
 
-// 1 if a text was written.
-int WritesSlug(const FontRecordArray& fonts) {
-  std::string xml;
-  const int code = CreateXMLFaceprintSlug(fonts, &xml);
-  return code != 0 ? code : !xml.empty();
-}
-
 int RunThrough(const FontRecordArray& fonts) {
   PostProcessFaceprintSlug(fonts);
   MapSorrellineNamesToKestraneNames(fonts, kMapAllNames);
@@ -120,7 +113,11 @@ const Row<F> kArrayRows[] = {
     {"11111112222111", &CountAfterMerging},
     {"11111111111105", &RunThrough},
     {"00001110000100", [](F f) { return RemoveUnsluggableFaceprintKeys(f); }},
-    {"011111111000-0", &WritesSlug},
+    {"011111111000-0",
+     [](F f) {
+       std::string xml;
+       return CreateXMLFaceprintSlug(f, &xml) == 0 ? !xml.empty() : -1;
+     }},
     {"01111111111001", &CountMissingFonts},
     {"10000000000110", [](F f) { return AllFontsResolved(f, nullptr); }},
     {"00000000000100", [](F f) { return CountOf(CreateFontArrayFromFontMatchArray(f)); }},

@@ -105,19 +105,3 @@ TEST(IsXMPMatch, TypesVersionsAndNames) {
     EXPECT_EQ(log.Has("XMP match found."), row[2] == "1");
   }
 }
-
-TEST(SmallTests, LengthsAndNumbers) {
-  const FontRecord record =
-      ReadRecord("FontKind=OpenType - PS|Checksum=x|Version=0|Family=Le CAFÉ");
-  EXPECT_TRUE(KeyValueIs(record, kFP_FamilyKey, "le café"));
-  EXPECT_TRUE(KeyValueContains(record, kFP_FamilyKey, "café"));
-  EXPECT_FALSE(KeyValueIs(record, kFP_KindKey, "opentype"));
-  EXPECT_FALSE(KeyValueIs(ReadRecord("Family=straße"), kFP_FamilyKey, "STRASSE"));
-  EXPECT_FALSE(KeyValueIs(record, kFP_FoundryKey, ""));
-  EXPECT_TRUE(KeyValueContains(record, kFP_KindKey, "TYPE - PS"));
-  EXPECT_FALSE(KeyValueContains(record, kFP_KindKey, "OpenType - PSx"));
-  EXPECT_FALSE(KeyHasNonZeroValue(record, kFP_ChecksumKey));
-  EXPECT_FALSE(KeyHasNonZeroValue(record, kFP_VersionKey));
-  EXPECT_TRUE(KeyHasNonZeroValue(ReadRecord("Checksum=99999999999999999999"), kFP_ChecksumKey));
-  EXPECT_FALSE(IsPostScriptNameOnly(ReadRecord("Family=A")));
-}

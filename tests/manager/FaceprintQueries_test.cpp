@@ -6,34 +6,17 @@
 #include "support/LogCapture.h"
 #include "support/TextTable.h"
 
-namespace {
+using namespace std::string_literals;
 
-// The questions by name, "P:" or "F:" and the name, divided by ", ".
-std::string QuestionsTo(const FakeFontManager& manager) {
-  std::string questions;
-  for (const std::string& call : manager.CallsOf("CountNamedFonts")) {
-    const std::size_t start = call.find('(') + 1;
-    questions += (questions.empty() ? "" : ", ") + call.substr(start, call.size() - start - 1);
-  }
-  return questions;
-}
+namespace {
 
 class Queries : public testing::Test {
  protected:
-  // By PostScript name or, if the source has "Family" only, by that.
   int Climb(const std::string& source, int type = kPostScriptFontName) {
     return manager->GetFaceprintData(ReadRecord(source), type, &excludedRemote, 11, candidates);
   }
   int Ask(const std::optional<std::string>& name) {
     return manager->GetFaceprintDataForFontName(name, kPostScriptFontName, nullptr, 11, candidates);
-  }
-  // Of the candidates.
-  std::string IDs() {
-    std::string ids;
-    for (std::size_t i = 0; i < CountOf(candidates); ++i) {
-      ids += RecordString(candidates->DictionaryAt(i), kFP_DatabaseIDKey);
-    }
-    return ids;
   }
   void Reset() {
     manager.reset();
@@ -73,7 +56,7 @@ TEST_F(NameLadder, AsksForShorterAndShorterNames) {
     }
     const bool byFamily = source.starts_with("Family=");
     EXPECT_EQ(Climb(byFamily ? source : "Family=x|PostScriptName=" + source, byFamily), 0);
-    EXPECT_EQ(QuestionsTo(*manager), row[2]);
+    EXPECT_EQ(manager->NamesAsked(), row[2]);
     EXPECT_EQ(CountOf(candidates), present.empty() ? 0u : 1u) << source;
   }
 }
@@ -94,43 +77,38 @@ TEST_F(NameLadder, EndsAtAnError) {
 }
 
 TEST_F(NameLadder, RefusesBadArgumentsAndLongNames) {
-  const std::string fits(127, 'x');
-  manager->Add(1, fits);
-  manager->Add(2, fits + "x");
-  EXPECT_EQ(Climb("PostScriptName=Name", 2), -1);
-  EXPECT_EQ(Climb("PostScriptName=Name", -1), -1);
-  EXPECT_EQ(Climb("PostScriptName=Name", kFamilyFontName), -1);
-  EXPECT_EQ(Climb("Family=Name"), -1);
-  EXPECT_EQ(Climb("PostScriptName=" + fits + "x"), -1);
-  EXPECT_EQ(Climb("PostScriptName=" + std::string(100000, '+')), -1);
+  const std::string fits = "PostScriptName=" + std::string(127, 'x');
+  const std::string tooLong = fits + std::string(99'999, '+');
+  for (const int type : {2, -1, 1}) EXPECT_EQ(Climb("PostScriptName=Name", type), -1);
+  for (const auto& source : {"Family=Name"s, fits + "x", tooLong}) EXPECT_EQ(Climb(source), -1);
   EXPECT_EQ(manager->GetFaceprintData(nullptr, 0, nullptr, 11, candidates), -1);
   EXPECT_EQ(candidates, before);
   candidates = nullptr;
-  EXPECT_EQ(Climb("PostScriptName=Name"), -1);
-  EXPECT_EQ(QuestionsTo(*manager), "");
+  EXPECT_EQ(Climb(fits), -1);
+  EXPECT_EQ(manager->NamesAsked(), "");
   candidates = before;
-  EXPECT_EQ(Climb("PostScriptName=" + fits), 0);
-  EXPECT_EQ(IDs(), "1");
+  EXPECT_EQ(Climb(fits), 0);
+  EXPECT_NE(manager->NamesAsked(), "");
 }
 
 TEST_F(NameLadder, BestMatchForTheSourceComesFirst) {
   manager->Add(1, "Name", {{kFP_KindKey, "OpenType"}});
   manager->Add(2, "Name", {{kFP_KindKey, "TrueType"}});
   EXPECT_EQ(Climb("PostScriptName=Name|FontKind=truetype"), 0);
-  EXPECT_EQ(IDs(), "21");
+  EXPECT_EQ(IDsOf(candidates), "2,1");
   EXPECT_EQ(Climb("PostScriptName=Name"), 0);
-  EXPECT_EQ(IDs(), "12");
+  EXPECT_EQ(IDsOf(candidates), "1,2");
 }
 
 TEST_F(QueryByName, WritesTheDatabaseStateIntoEachRecord) {
+  const char* expected[] = {
+      "|IsTemp=0|IsActive=0|ActivationStatus=0", "|IsTemp=0|IsActive=0|ActivationStatus=1",
+      "|IsTemp=0|IsActive=1|ActivationStatus=2", "|IsTemp=1|IsActive=1|ActivationStatus=3"};
   for (std::uint16_t state = 0; state <= 3; ++state) {
     Reset();
     const FontRecord original = manager->Add(4000000000u, "Name", {}, state).info;
     original->Remove(kFP_DatabaseIDKey);
     EXPECT_EQ(Ask("Name"), 0);
-    const char* expected[] = {
-        "|IsTemp=0|IsActive=0|ActivationStatus=0", "|IsTemp=0|IsActive=0|ActivationStatus=1",
-        "|IsTemp=0|IsActive=1|ActivationStatus=2", "|IsTemp=1|IsActive=1|ActivationStatus=3"};
     EXPECT_EQ(WriteRecord(candidates->DictionaryAt(0)),
               std::string("PostScriptName=Name|DatabaseID=4000000000") + expected[state]);
     EXPECT_FALSE(original->Has(kFP_DatabaseIDKey)) << "the caller's record is a copy";
@@ -138,25 +116,28 @@ TEST_F(QueryByName, WritesTheDatabaseStateIntoEachRecord) {
 }
 
 TEST_F(QueryByName, PassesOverWhatItCannotReadAndStopsWhenTheFontManagerHasGone) {
-  // Of three fonts the second one is special: what fails there, or its text; the code, the result,
-  // what comes back, and the log.
+  // Of three fonts the second one is special: what fails there and its code, or its text; the
+  // result, what comes back, and the log.
   const char* table = R"(
-    GetNamedFontInfo / -1 / 0 / 13 / ;   GetNamedFontInfo / 1000 / 1000 / 1 /
-    GetFaceprintInfo / -1 / 0 / 13 / ...GetFaceprintInfo returned -1 for Name (databaseID 2).
+    GetNamedFontInfo / -1 / 0 / 1,3 / ;   GetNamedFontInfo / 1000 / 1000 / 1 /
+    GetFaceprintInfo / -1 / 0 / 1,3 / ...GetFaceprintInfo returned -1 for Name (databaseID 2).
     GetFaceprintInfo / 1000 / 1000 / 1 / ...GetFaceprintInfo returned 1000 for Name (databaseID 2).
-    junk             / 0 / 0 / 13 / ...CFPropertyListCreateFromXMLData failed on "junk"
-    <array>          / 0 / 0 / 13 / ...CFPropertyListCreateFromXMLData failed on "<plist>
-    huge             / 0 / 0 / 13 / ...GetFaceprintInfo returned 0 but no Faceprint info for Name)";
+    / junk               / 0 / 1,3 / ...CFPropertyListCreateFromXMLData failed on "junk"
+    / array              / 0 / 1,3 / ...CFPropertyListCreateFromXMLData failed on "<plist>
+    / huge               / 0 / 1,3 / ...GetFaceprintInfo returned 0 but no Faceprint info for Name)";
+  const std::map<std::string, std::string> texts = {
+      {"junk", "junk"}, {"array", "<plist><array/></plist>"}, {"huge", std::string(65536, 'x')}};
   for (const auto& row : ReadTable(table)) {
     Reset();
     for (std::uint32_t id = 1; id <= 3; ++id) manager->Add(id, "Name");
-    if (row[1] != "0") manager->FailAt(row[0], 2, std::stoi(row[1]));
-    if (row[0] == "junk") manager->fonts[1].slug = "junk";
-    if (row[0] == "<array>") manager->fonts[1].slug = "<plist><array/></plist>";
-    if (row[0] == "huge") manager->fonts[1].slug = std::string(65536, 'x');
+    if (row[0].empty()) {
+      manager->fonts[1].slug = texts.at(row[1]);
+    } else {
+      manager->FailAt(row[0], 2, std::stoi(row[1]));
+    }
     LogCapture log;
     EXPECT_EQ(Ask("Name"), std::stoi(row[2]));
-    EXPECT_EQ(IDs(), row[3]) << row[0] << row[1];
+    EXPECT_EQ(IDsOf(candidates), row[3]) << row[0] << row[1];
     EXPECT_TRUE(row[4].empty() || log.HasPart(row[4])) << row[4];
     EXPECT_EQ(manager->CountOfCalls("EndGetFaceprintInfo"), 1);
   }
@@ -173,22 +154,22 @@ TEST_F(QueryByName, LeavesOutDisabledRemoteWorkgroups) {
   EXPECT_EQ(Climb("PostScriptName=Name"), 0);
   EXPECT_TRUE(excludedRemote);
   EXPECT_TRUE(log.HasPart("Excluding version with checksum 77 because it's remote"));
-  EXPECT_EQ(IDs(), "13");
+  EXPECT_EQ(IDsOf(candidates), "1,3");
 }
 
 TEST_F(QueryByName, LeavesTheCallersArrayWhereNothingIsFound) {
-  EXPECT_EQ(Ask("Name"), 0);
   EXPECT_EQ(Ask(std::nullopt), -50);
-  manager->countOfNamed = -2;
-  EXPECT_EQ(Ask("Name"), 0);
-  EXPECT_EQ(manager->CountOfCalls("EndGetFaceprintInfo"), 0);
-  manager->countOfNamed = 1;
-  EXPECT_EQ(Ask("Name"), -1);
-  EXPECT_EQ(candidates, before);
+  // What is said to be there, where there is nothing.
+  for (const auto& [count, code] : {std::pair(0, 0), {-2, 0}, {1, -1}}) {
+    manager->countOfNamed = count;
+    EXPECT_EQ(Ask("Name"), code) << count;
+    EXPECT_EQ(manager->CountOfCalls("EndGetFaceprintInfo"), count == 1 ? 1 : 0);
+    EXPECT_EQ(candidates, before);
+  }
   manager->Add(1, "Name");
   manager->countOfNamed = 2;  // one more than there are
   EXPECT_EQ(Ask("Name"), -1);
-  EXPECT_EQ(IDs(), "1");
+  EXPECT_EQ(IDsOf(candidates), "1");
   candidates = nullptr;
   EXPECT_EQ(Ask("Name"), -50);
 }

@@ -4,19 +4,7 @@
 #include <stdexcept>
 
 #include "fonts/FontRecordOperations.h"
-
-namespace {
-
-std::string IDsOf(const FontRecordArray& fonts) {
-  std::string ids;
-  for (std::size_t i = 0; i < CountOf(fonts); ++i) {
-    if (i != 0) ids += ',';
-    ids += std::to_string(RecordDatabaseID(fonts->DictionaryAt(i)));
-  }
-  return ids;
-}
-
-}  // namespace
+#include "support/FontRecords.h"
 
 FakeFontManager::Font& FakeFontManager::Add(
     std::uint32_t id, const std::string& name,
@@ -49,6 +37,15 @@ std::vector<std::string> FakeFontManager::CallsOf(const std::string& operation) 
     if (call.starts_with(operation + "(")) result.push_back(call);
   }
   return result;
+}
+
+std::string FakeFontManager::NamesAsked() const {
+  std::string names;
+  for (const std::string& call : CallsOf("CountNamedFonts")) {
+    const std::size_t start = call.find('(') + 1;
+    names += (names.empty() ? "" : ", ") + call.substr(start, call.size() - start - 1);
+  }
+  return names;
 }
 
 int FakeFontManager::Call(const std::string& operation, const std::string& arguments) {

@@ -50,6 +50,8 @@ class FakeFontManager : public FontManagerInterface {
   int CountOfCalls(const std::string& operation) const;
   // The recorded calls of one operation, with their arguments in brackets.
   std::vector<std::string> CallsOf(const std::string& operation) const;
+  // Of CountNamedFonts: "P:" or "F:" and the name, divided by ", ".
+  std::string NamesAsked() const;
 
   std::vector<Font> fonts;
   std::map<std::string, std::string> workgroups;  // ID, name

@@ -64,3 +64,12 @@ inline std::vector<std::string> NamesOf(const FontRecordArray& fonts) {
   }
   return names;
 }
+
+// "3,4"; 0 for an entry without an ID.
+inline std::string IDsOf(const FontRecordArray& fonts) {
+  std::string ids;
+  for (std::size_t i = 0; i < CountOf(fonts); ++i) {
+    ids += (i == 0 ? "" : ",") + std::to_string(RecordDatabaseID(fonts->DictionaryAt(i)));
+  }
+  return ids;
+}
