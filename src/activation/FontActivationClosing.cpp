@@ -95,8 +95,8 @@ int FontActivationTracker::CloseRegisteredFonts(Closing& closing, const std::str
     EndActivationChange();
     return result;
   } catch (...) {
-    EndActivationChange();
     if (closed.empty()) m_mDocuments.erase(identifier);
+    EndActivationChange();
     SetCountForLongOperations(1);
     OutputFormattedDebugString(
         "FontActivationTracker::CloseAllFontsForIdentifier() exiting abnormally");
@@ -168,11 +168,13 @@ int FontActivationTracker::CloseFontsOneByOne(Closing& closing,
     if (entry == m_mFonts.end()) continue;
     const bool wasLast = DropReference(entry->second, closing.allClosed);
     if (!wasLast || !closing.deactivate) continue;
-    // A copy: a progress window turns the host's run loop, and what it runs may come back here.
+    // A copy: a progress window turns the host's run loop, and what it runs may come back here, and
+    // open or close this very font.
     const SFontRecord font = entry->second;
     if (!font.wasAlreadyActive) {
       ProgressCallback(static_cast<int>(i) + 1, static_cast<int>(fontIDs.size()),
                        font.postscriptName, &closing.progress);
+      if (!IsUnheld(fontIDs[i])) continue;
       const int code = DeactivateOne(font.fontInfo, font.activationContext);
       if (code == kErrorKestraneNotRunning) return code;
       if (code != 0) {
@@ -181,10 +183,14 @@ int FontActivationTracker::CloseFontsOneByOne(Closing& closing,
         closing.fontsDeactivated->Append(font.fontInfo);
       }
     }
-    const auto rest = m_mFonts.find(fontIDs[i]);
-    if (rest != m_mFonts.end() && rest->second.refCount == 0) m_mFonts.erase(rest);
+    if (IsUnheld(fontIDs[i])) m_mFonts.erase(fontIDs[i]);
   }
   return result;
+}
+
+bool FontActivationTracker::IsUnheld(std::uint32_t databaseID) const {
+  const auto entry = m_mFonts.find(databaseID);
+  return entry != m_mFonts.end() && entry->second.refCount == 0;
 }
 
 int FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts, bool bShowProgress) {
@@ -207,13 +213,13 @@ int FontActivationTracker::CloseAllFonts(bool bDeactivateClosedFonts, bool bShow
       result = closing.inOneBatch ? CloseEverythingInOneBatch(closing, fontIDs)
                                   : CloseEverythingOneByOne(closing, fontIDs);
     }
-  } catch (...) {
     EndActivationChange();
+  } catch (...) {
     m_mFonts.clear();
+    EndActivationChange();
     OutputFormattedDebugString("FontActivationTracker::CloseAllFonts() exiting abnormally");
     throw;
   }
-  EndActivationChange();
   m_mFonts.clear();
   return trace.Return(result);
 }

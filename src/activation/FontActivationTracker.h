@@ -100,6 +100,8 @@ class FontActivationTracker {
   int CloseFontsOneByOne(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
   int CloseEverythingInOneBatch(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
   int CloseEverythingOneByOne(Closing& closing, const std::vector<std::uint32_t>& fontIDs);
+  // Is it in the books, without a reference?
+  bool IsUnheld(std::uint32_t databaseID) const;
   // Takes one reference; true if it was the last.
   static bool DropReference(SFontRecord& font, bool& allClosed);
 

@@ -248,49 +248,77 @@ TEST_F(Tracker, FamiliesAndTheQuestionWhileOffline) {
       },
       {"Exiting ProcessDocumentFontsForAutoActivation via throw."});
   EXPECT_EQ(framework.CountShown("TarnHideProgress"), 5);
+  // What closes while the question stands is not turned on.
+  manager.online = false;
+  manager.Add(4, "Late");
+  framework.onDialog = [&books] { books.Close("late"); };
+  books.Open("late", {4});
+  framework.onDialog = {};
+  EXPECT_EQ(manager.CallsOf("ActivateFontsByID").back(), "ActivateFontsByID()");
   KestraneGlobals::CleanUpOnShutdown();  // the shared dialog interface goes before its framework
 }
 
-// A progress window turns the host's run loop, and whatever that runs may come back in.
+// A progress window turns the host's run loop, and whatever that runs may come back in. Two
+// documents share B; one of them closes, and in a window something happens.
 TEST_F(Tracker, WhatAProgressWindowLetsInDoesNoHarm) {
   FakeTarn framework;
   framework.Install(platform);
   TarnInterface tarn("Photoshop", "1", "com.vendrel.test.photoshop", "1");
-  for (int number = 0; number < 2 * 2 * 4 * 5; ++number) {
-    const bool quits = number % 2 == 0, inBatches = number / 2 % 2 == 0;
-    const int action = number / 4 % 4, at = number / 16 + 1;
+  const struct {
+    const char* what;
+    int window;      // the first is the window's opening, the others are its updates
+    bool inBatches;  // of the closing
+    int result;
+    const char* left;   // on after the closing
+    const char* atEnd;  // and after both documents' end
+  } rows[] = {
+      {"nothing", 1, true, 0, "BC", ""},    {"nothing", 1, false, 0, "BC", ""},
+      {"close one", 1, true, 0, "BC", ""},  {"close one", 1, false, 0, "BC", ""},
+      {"close one", 2, false, 0, "BC", ""}, {"close two", 1, true, 0, "", ""},
+      {"close two", 1, false, 0, "", ""},   {"open one", 1, true, 0, "BC", ""},
+      {"open one", 2, false, 0, "ABC", ""}, {"quit", 1, true, 0, "", ""},
+      {"quit", 2, false, 0, "", ""},        {"lose", 1, true, 1000, "ABC", ""},
+      {"lose", 1, false, 1000, "ABC", ""},
+  };
+  for (const auto& [what, window, inBatches, result, left, atEnd] : rows) {
+    SCOPED_TRACE(what + std::to_string(window) + (inBatches ? " in batches" : ""));
     Books books(&tarn);
-    auto manager = std::make_unique<FakeFontManager>();
-    for (const std::uint32_t id : {1u, 2u, 3u}) {
-      books.mManager.Add(id, std::string(1, static_cast<char>('A' + id)));
-      manager->fonts.push_back(books.mManager.fonts.back());
-    }
-    books.Open("one", {1, 2, 3});
-    books.Open("two", {3});
-    manager->coreAgent = inBatches;
-    int shown = 0;
-    framework.onDialog = [&] {
-      if (++shown != at) return;
-      if (action == 0) books.Close("one");
-      if (action == 1) books.mTracker.CloseAllFonts(true, false);
-      if (action == 2) books.Open("one", {2});
-      if (action == 3 && framework.shown.back() == "TarnShowProgress") manager.reset();
+    FakeFontManager& manager = books.mManager;
+    for (const auto& [id, name] : {std::pair{1u, "A"}, {2u, "B"}, {3u, "C"}}) manager.Add(id, name);
+    const auto on = [&manager] {
+      std::string names;
+      for (const auto& font : manager.fonts) {
+        if (font.state == kActivationStateActive) {
+          names += RecordString(font.info, kFP_PostScriptNameKey);
+        }
+      }
+      return names;
     };
-    if (quits) {
-      books.mTracker.CloseAllFonts(true, true);
-    } else {
-      books.mTracker.CloseAllFontsForIdentifier("one", true, true, nullptr);
-    }
     books.Open("one", {1, 2});
+    books.Open("two", {2, 3});
+    int shown = 0;
+    framework.onDialog = [&, what = std::string(what), window = window] {
+      if (++shown != window) return;
+      manager.coreAgent = true;
+      if (what == "close one") books.Close("one");
+      if (what == "close two") books.Close("two");
+      if (what == "open one") books.Open("one", {1});
+      if (what == "quit") books.mTracker.CloseAllFonts(true, false);
+      if (what == "lose") FontManagerInterface::ExchangeFontManager(nullptr);
+      if (what == "lose") manager.calls.clear();
+      manager.coreAgent = inBatches;
+    };
+    manager.coreAgent = inBatches;
+    EXPECT_EQ(books.mTracker.CloseAllFontsForIdentifier("one", true, true, nullptr), result);
     framework.onDialog = {};
-    manager.reset();
-    // The books are in order again: a document of its own comes and goes as ever.
-    books.mTracker.CloseAllFonts(true, false);
+    manager.coreAgent = true;
+    EXPECT_EQ(on(), left);
+    if (result != 0) {
+      EXPECT_TRUE(manager.calls.empty());
+      FontManagerInterface::ExchangeFontManager(&manager);
+    }
     for (const char* document : {"one", "two"}) books.Close(document);
-    books.mManager.Find(1)->state = kActivationStateInactive;
-    EXPECT_EQ(books.Open("late", {1}), 0) << number;
-    EXPECT_EQ(books.Close("late"), 0) << number;
-    EXPECT_EQ(books.mManager.CallsOf("DeactivateFonts").back(), "DeactivateFonts(1)") << number;
+    EXPECT_EQ(on(), atEnd);
   }
   KestraneGlobals::CleanUpOnShutdown();
 }
