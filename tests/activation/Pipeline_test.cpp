@@ -157,6 +157,19 @@ TEST_F(Pipeline, AppendingCompletesOrReplacesOrRemoves) {
   FontDataPreviouslyGottenFromDatabase::DeleteAll();
 }
 
+TEST_F(Pipeline, ANameThatGoesIsGoneInAllItsForms) {
+  manager.Add(1, "Foo");
+  manager.Add(2, "Fo1o");  // what the second name is without its illegal characters
+  const FontRecordArray fonts = MakeFonts({MakeNamed("X+Fo1o"), MakeNamed("Fo#1o")});
+  EXPECT_EQ(AppendFaceprintDataToFonts(fonts, 0, false, true, false), 0);
+  EXPECT_EQ(NamesOf(fonts), (Names{"Foo", "Fo1o"}));
+  // Nothing empty stands in its place, even when the walk is broken off.
+  manager.ThrowAt("CountNamedFonts(P:Bar)", 0);
+  const FontRecordArray broken = MakeFonts({MakeNamed("Bar"), MakeNamed("X+Foo")});
+  EXPECT_THROW(AppendFaceprintDataToFonts(broken, 0, false, true, false), std::runtime_error);
+  EXPECT_EQ(NamesOf(broken), (Names{"Bar", "Foo"}));
+}
+
 TEST_F(Pipeline, IDsOfTheLastFontRemain) {
   manager.Add(1, "A");
   manager.Add(2, "B-Bold", {{kFP_FamilyKey, "B"}});
