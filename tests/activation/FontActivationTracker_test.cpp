@@ -297,7 +297,7 @@ TEST_F(Tracker, WhatAProgressWindowLetsInDoesNoHarm) {
     books.Open("one", {1, 2});
     books.Open("two", {2, 3});
     int shown = 0;
-    framework.onDialog = [&, what = std::string(what), window = window] {
+    framework.onDialog = [&, what = std::string(what), window = window, inBatches = inBatches] {
       if (++shown != window) return;
       manager.coreAgent = true;
       if (what == "close one") books.Close("one");
