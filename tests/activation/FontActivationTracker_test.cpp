@@ -163,7 +163,10 @@ TEST_F(Tracker, BadInputIsToldAndPassedOver) {
     all->Append(row.element);
   }
   EXPECT_EQ(mManager.CallsOf("DeactivateFonts").back(), "DeactivateFonts(5)");
+  mManager.calls.clear();
   EXPECT_EQ(Open("doc", nullptr), 0);
+  EXPECT_EQ(mManager.calls, (std::vector<std::string>{"BeginOpening(doc)", "FinishOpening(doc)",
+                                                      "SetCountForLongOperations(1)"}));
   // The other operations on the same.
   FontRecordArray matched;
   using namespace FaceprintSupport;

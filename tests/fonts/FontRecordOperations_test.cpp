@@ -58,6 +58,7 @@ TEST(FontKinds, FoundriesAndChecksumsOfASlug) {
     77|KerningChecksum=-1 / 77|KerningChecksum=0|Checksum=77
     77|Checksum=5|KerningChecksum=4294967297 / 77|Checksum=5|KerningChecksum=4294967297
     77|Checksum=5|KerningChecksum=99999999999999999999 / 77|Checksum=5|KerningChecksum=0
+    77|Checksum=5|KerningChecksum=-99999999999999999999 / 77|Checksum=5|KerningChecksum=0
     77|Checksum=5|KerningChecksum=none / 77|Checksum=5|KerningChecksum=none
     |Checksum=0 / |Checksum=0;  0 / 0)";
   for (const auto& row : ReadTable(checksums)) {

@@ -104,4 +104,7 @@ TEST(IsXMPMatch, TypesVersionsAndNames) {
         << row[0] << " and " << row[1];
     EXPECT_EQ(log.Has("XMP match found."), row[2] == "1");
   }
+  LogCapture log;
+  EXPECT_FALSE(IsXMPMatch(MakeNamed("Foo"), MakeNamed("Foo")));
+  EXPECT_EQ(log.lines.size(), 1u);  // one key is nothing to compare
 }

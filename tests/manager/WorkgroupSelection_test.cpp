@@ -2,6 +2,7 @@
 
 #include "support/FakeFontManager.h"
 #include "support/FontRecords.h"
+#include "support/LogCapture.h"
 #include "support/PluginWorld.h"
 #include "support/TextTable.h"
 
@@ -77,8 +78,14 @@ TEST_F(WorkgroupSelection, DoesNotStartWithinItself) {
     FMI::CheckSelectWorkgroup();
     EXPECT_FALSE(FMI::GetValidWorkgroupSelected());
   };
+  LogCapture log;
   fontManager.HandleSelectWorkgroup();
   EXPECT_EQ(nested, 1);
+  EXPECT_TRUE(log.Has(
+      "*** FontManagerInterface::HandleSelectWorkgroup -- OOPS, Select Workgroup dialog is already "
+      "being displayed!"));
+  EXPECT_TRUE(log.Has(
+      "*** UH-OH, can't display Select Workgroup dialog, because it's already being displayed!"));
   EXPECT_EQ(fontManager.CountOfCalls("GetAllWorkgroupsForUser"), 1);
   fontManager.workgroups = {{"0", "None"}, {"11", "Library"}};
   fontManager.HandleSelectWorkgroup();
