@@ -218,6 +218,36 @@ std::string Reason(FT_Error failure, const FontStream& stream) {
   return text != nullptr ? text : "damaged font (" + std::to_string(failure) + ")";
 }
 
+void ReadFaces(FT_Library library, FontStream& stream, FontFileInfo& file) {
+  FT_Open_Args arguments{};
+  arguments.flags = FT_OPEN_STREAM;
+  arguments.stream = stream.Stream();
+  for (long index = 0, faces = 1; index < faces; ++index) {
+    FT_Face opened = nullptr;
+    const FT_Error failure = FT_Open_Face(library, &arguments, index, &opened);
+    const FaceOwner face(opened);
+    if (failure != 0) {
+      file.error = Reason(failure, stream);
+      if (index == 0) return;
+      continue;
+    }
+    faces = face->num_faces;
+    if (faces > kMaxFaces) {
+      file.error = "more than 1,024 faces";
+      return;
+    }
+    if (std::string reason = AddFace(library, face.get(), file); !reason.empty()) {
+      file.error = std::move(reason);
+    }
+    if (file.faces.size() > static_cast<std::size_t>(kMaxFaces) + kMaxInstances) {
+      file.faces.clear();
+      file.error = "more than 1,024 named instances";
+      return;
+    }
+  }
+  if (!file.faces.empty()) file.error.clear();
+}
+
 }  // namespace
 
 struct FontFileReader::Library {
@@ -250,33 +280,7 @@ FontFileInfo FontFileReader::Read(const std::string& path) {
     return file;
   }
   mLibrary->memory.SetFileSize(stream->Size());
-  FT_Open_Args arguments{};
-  arguments.flags = FT_OPEN_STREAM;
-  arguments.stream = stream->Stream();
-  for (long index = 0, faces = 1; index < faces; ++index) {
-    FT_Face opened = nullptr;
-    const FT_Error failure = FT_Open_Face(mLibrary->library, &arguments, index, &opened);
-    const FaceOwner face(opened);
-    if (failure != 0) {
-      file.error = Reason(failure, *stream);
-      if (index == 0) return file;
-      continue;
-    }
-    faces = face->num_faces;
-    if (faces > kMaxFaces) {
-      file.error = "more than 1,024 faces";
-      return file;
-    }
-    if (std::string reason = AddFace(mLibrary->library, face.get(), file); !reason.empty()) {
-      file.error = std::move(reason);
-    }
-    if (file.faces.size() > static_cast<std::size_t>(kMaxFaces) + kMaxInstances) {
-      file.faces.clear();
-      file.error = "more than 1,024 named instances";
-      return file;
-    }
-  }
-  if (!file.faces.empty()) file.error.clear();
+  ReadFaces(mLibrary->library, *stream, file);
   return file;
 }
 

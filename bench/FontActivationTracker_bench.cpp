@@ -13,15 +13,15 @@
 
 #include "activation/FontActivationTracker.h"
 #include "bench/support/BenchLibrary.h"
-#include "fontmanager/FontManagerInterface.h"
 #include "sdk/FontRecordKeys.h"
+#include "support/InertFontManager.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
 // Does all it is asked for at once.
-class WillingFontManager : public FontManagerInterface {
+class WillingFontManager : public InertFontManager {
  public:
   WillingFontManager() : mOld(ExchangeFontManager(this)) {}
   ~WillingFontManager() override { ExchangeFontManager(mOld); }
@@ -32,21 +32,12 @@ class WillingFontManager : public FontManagerInterface {
   std::map<std::uint32_t, bool> GetClientFontActivationStates(const FontIDs&) override {
     return {};
   }
-  std::map<std::uint32_t, bool> GetFontIsActivated(const FontRecordArray&) override { return {}; }
-  int ActivateFontByID(const FontRecord&, const std::string&, void*) override { return 0; }
   int ActivateFontsByID(const FontRecordArray& asked, const std::string&, void*,
                         const FontRecordArray& activated, const FontRecordArray&,
                         FontProgressCallback, void*) override {
     for (const PropertyList::Value& font : asked->Values()) activated->Append(font);
     return 0;
   }
-  int DeactivateFont(const FontRecord&, void*) override { return 0; }
-  int DeactivateFonts(const FontRecordArray&, void*, const FontRecordArray&, FontProgressCallback,
-                      void*) override {
-    return 0;
-  }
-  int GetAllWorkgroupsForUser(PropertyList::ArrayRef&, bool, bool, bool) override { return -1; }
-  int RemoveRemoteFonts(const FontRecordArray&) override { return 0; }
 
  private:
   FontManagerInterface* mOld;

@@ -108,13 +108,10 @@ bool FontActivationTracker::AskForStates(Closing& closing,
                                          const std::vector<std::uint32_t>& fontIDs) {
   const int result = AskFontManager([&](FontManagerInterface& fontManager) {
     closing.states = fontManager.GetClientFontActivationStates(fontIDs);
+    closing.inOneBatch = fontManager.ConnectedToCoreAgent();
     return 0;
   });
-  if (result != 0) return false;
-  return AskFontManager([&](FontManagerInterface& fontManager) {
-           closing.inOneBatch = fontManager.ConnectedToCoreAgent();
-           return 0;
-         }) == 0;
+  return result == 0;
 }
 
 bool FontActivationTracker::DropReference(SFontRecord& font, bool& allClosed) {

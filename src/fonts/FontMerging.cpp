@@ -3,6 +3,7 @@
 #include "fontmanager/FontManagerInterface.h"
 #include "fonts/FontNameIndex.h"
 #include "fonts/FontNames.h"
+#include "fonts/FontSlugIndex.h"
 #include "fonts/RecordAccess.h"
 #include "foundation/PluginLog.h"
 #include "sdk/FontRecordKeys.h"

@@ -1,5 +1,6 @@
-// Look-ups of many names in one array: a document may name a hundred thousand fonts, and looking
-// each up in turn would take time in the square of that.
+// The three-pass look-up of DoesArrayContainFontWithPostScriptName for many names in one growing
+// array: a document may name a hundred thousand fonts, and looking each up in turn would take time
+// in the square of that.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +13,6 @@
 
 namespace FaceprintSupport {
 
-// The three passes of DoesArrayContainFontWithPostScriptName, in an array that grows.
 class FontNameIndex {
  public:
   explicit FontNameIndex(const FontRecordArray& fonts);
@@ -30,23 +30,6 @@ class FontNameIndex {
   static std::string Form(const std::string& name, int form);
 
   std::unordered_map<std::string, std::set<std::size_t>> mForms[kForms];
-};
-
-// GetFaceprintDictionaryFromArrayWithPostscriptName, in an array that stays as it is.
-class FontSlugIndex {
- public:
-  explicit FontSlugIndex(const FontRecordArray& slugs);
-
-  // Null if there is none.
-  FontRecord Find(const std::string& name) const;
-
- private:
-  using Places = std::unordered_map<std::string, std::size_t>;
-
-  const FontRecordArray& mSlugs;
-  Places mNames;
-  Places mBases;
-  std::set<std::size_t> mBaseLengths;
 };
 
 }  // namespace FaceprintSupport

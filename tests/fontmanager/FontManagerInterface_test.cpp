@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/FakePlatform.h"
+#include "support/InertFontManager.h"
 #include "support/LogCapture.h"
 
 TEST(IsFontActive, AsksForTheNameAfterARoundTripThroughMacRoman) {
@@ -24,29 +25,8 @@ TEST(IsFontActive, AsksForTheNameAfterARoundTripThroughMacRoman) {
   EXPECT_FALSE(FontManagerInterface::IsFontActive(shorter));
 }
 
-namespace {
-
-// No more than what has to be there.
-class Inert : public FontManagerInterface {
-  std::map<std::uint32_t, bool> GetFontIsActivated(const FontRecordArray&) override { return {}; }
-  int ActivateFontByID(const FontRecord&, const std::string&, void*) override { return 0; }
-  int ActivateFontsByID(const FontRecordArray&, const std::string&, void*, const FontRecordArray&,
-                        const FontRecordArray&, FontProgressCallback, void*) override {
-    return 0;
-  }
-  int DeactivateFont(const FontRecord&, void*) override { return 0; }
-  int DeactivateFonts(const FontRecordArray&, void*, const FontRecordArray&, FontProgressCallback,
-                      void*) override {
-    return 0;
-  }
-  int GetAllWorkgroupsForUser(PropertyList::ArrayRef&, bool, bool, bool) override { return -1; }
-  int RemoveRemoteFonts(const FontRecordArray&) override { return 0; }
-};
-
-}  // namespace
-
 TEST(FontManagerInterface, DoesNothingByItself) {
-  Inert inert;
+  InertFontManager inert;
   FontManagerInterface& manager = inert;
   for (const bool yes : {manager.RunningStandalone(), manager.IsFontManagerConnected(),
                          manager.FontManagerIsClientServer(), manager.AreSchemaVersionsInSync(),
